@@ -1,0 +1,16 @@
+// todoimp_limo_arm.h: the port side of ToDoListImpl.
+#ifndef JSR75_PIM_TODOIMP_LIMO_ARM_H
+#define JSR75_PIM_TODOIMP_LIMO_ARM_H
+
+#include <cstdint>
+#include <span>
+
+// The highest number of record positions that a date-ordered walk looks at: positions 0..1999.
+inline constexpr int32_t ORG_RECORD_CNT_MAX = 2000;
+
+// Writes the record indexes of the to-dos whose date `field` (a ToDo field code) is the earliest one after
+// `current_date`, in ms since the epoch. Returns their number, or -1 on failure.
+int32_t ToDoListImpl_nextSortedToDoN(int32_t handle, int32_t field, int64_t current_date,
+                                     std::span<int32_t, ORG_RECORD_CNT_MAX> found);
+
+#endif

@@ -1,0 +1,130 @@
+#include "pimnativeutil.h"
+
+#include <cstring>
+
+#include "pimtrace.h"
+
+// ---- Java exceptions ------------------------------------------------------------------------------------------------
+
+static const char* exception_class_name(int32_t code)
+{
+    switch (code) {
+    case RAISE_PIM_EXCEPTION: return "javax/microedition/pim/PIMException";
+    case RAISE_ILLEGAL_ARGUMENT: return "java/lang/IllegalArgumentException";
+    case RAISE_UNSUPPORTED_FIELD: return "javax/microedition/pim/UnsupportedFieldException";
+    case RAISE_SECURITY: return "java/lang/SecurityException";
+    case RAISE_NULL_POINTER: return "java/lang/NullPointerException";
+    case RAISE_FIELD_FULL: return "javax/microedition/pim/FieldFullException";
+    case RAISE_RUNTIME: return "java/lang/RuntimeException";
+    default: return "java/lang/Exception";
+    }
+}
+
+// Throws an exception made by the constructor that takes a reason, where the class has one and all goes well.
+static void throw_with_reason(JNIEnv* env, jclass exception_class, const char* message, int32_t reason)
+{
+    jmethodID constructor = env->GetMethodID(exception_class, "<init>", "(Ljava/lang/String;I)V");
+    if (constructor == nullptr) return;
+
+    jstring text = env->NewStringUTF(message);
+    if (text == nullptr) return;
+
+    auto exception = static_cast<jthrowable>(env->NewObject(exception_class, constructor, text, reason));
+    if (exception != nullptr) env->Throw(exception);
+}
+
+void raise_exception(JNIEnv* env, const char* message, int32_t code, int32_t reason)
+{
+    jclass exception_class = env->FindClass(exception_class_name(code));
+    if (exception_class == nullptr) return;
+
+    // Kept: the second throw replaces the first, so that the exception left pending is the one ThrowNew makes,
+    // of the same class and with the same message; nothing is cleared between the two.
+    if (code == RAISE_PIM_EXCEPTION || code == RAISE_FIELD_FULL)
+        throw_with_reason(env, exception_class, message, reason);
+    env->ThrowNew(exception_class, message);
+}
+
+// ---- Java arrays ----------------------------------------------------------------------------------------------------
+
+jintArray new_int_array(JNIEnv* env, std::span<const jint> values)
+{
+    const auto length = static_cast<jsize>(values.size());
+    jintArray array = env->NewIntArray(length);
+    if (array != nullptr && length > 0) env->SetIntArrayRegion(array, 0, length, values.data());
+    return array;
+}
+
+jobjectArray new_string_array(JNIEnv* env, const char* slots, size_t slot_size, jsize count)
+{
+    jclass string_class = env->FindClass("java/lang/String");
+    if (string_class == nullptr) {
+        PIM_TRACE(TRACE_HARD, "Unable to find the class java/lang/String");
+        return nullptr;
+    }
+
+    jobjectArray array = env->NewObjectArray(count, string_class, nullptr);
+    if (array == nullptr) return nullptr;
+
+    for (jsize i = 0; i < count; ++i) {
+        jstring text = env->NewStringUTF(slots + static_cast<size_t>(i) * slot_size);
+        if (text == nullptr) return nullptr;
+        env->SetObjectArrayElement(array, i, text);
+        env->DeleteLocalRef(text);
+    }
+    return array;
+}
+
+// ---- Texts ----------------------------------------------------------------------------------------------------------
+
+bool is_ascii_upper(char c)
+{
+    return c >= 'A' && c <= 'Z';
+}
+
+void fold_to_lower_case(char* text)
+{
+    for (; *text != '\0'; ++text)
+        if (is_ascii_upper(*text)) *text = static_cast<char>(*text + 32);
+}
+
+int32_t contains(char* match, char* text)
+{
+    // Kept: an empty field contains any match string, so a record with an empty field is found by every search.
+    if (*text == '\0') return 1;
+
+    fold_to_lower_case(match);
+    fold_to_lower_case(text);
+    return std::strstr(text, match) != nullptr ? 1 : 0;
+}
+
+static bool is_continuation(char c)
+{
+    return (static_cast<unsigned char>(c) & 0xc0) == 0x80;
+}
+
+// Whether the three bytes at `c` are one half of a surrogate pair: 0xed, then a byte from `first` to first + 15.
+static bool is_surrogate(const char* c, unsigned char first)
+{
+    return static_cast<unsigned char>(c[0]) == 0xed && (static_cast<unsigned char>(c[1]) & 0xf0) == first;
+}
+
+size_t whole_characters(const char* text, size_t length, size_t limit)
+{
+    if (length <= limit) return length;
+
+    size_t end = limit;
+    while (end > 0 && is_continuation(text[end])) --end;
+
+    // The cut must not part the high half of a pair, three bytes before it, from the low half behind it.
+    if (end >= 3 && end + 1 < length && is_surrogate(text + end, 0xb0) && is_surrogate(text + end - 3, 0xa0)) end -= 3;
+    return end;
+}
+
+void copy_text(std::span<char> target, const char* text, size_t source_size)
+{
+    const size_t length = strnlen(text, source_size);
+    const size_t kept = whole_characters(text, length, target.size() - 1);
+    std::memcpy(target.data(), text, kept);
+    target[kept] = '\0';
+}
