@@ -1,7 +1,6 @@
 #include "pimnativeutil.h"
 
-#include <cstring>
-
+#include "pimcodes.h"
 #include "pimtrace.h"
 
 // ---- Java exceptions ------------------------------------------------------------------------------------------------
@@ -45,6 +44,19 @@ void raise_exception(JNIEnv* env, const char* message, int32_t code, int32_t rea
     env->ThrowNew(exception_class, message);
 }
 
+int32_t max_categories(JNIEnv* env, int32_t listtype, int32_t of_contacts)
+{
+    switch (listtype) {
+    case LIST_CONTACT: return of_contacts;
+    case LIST_EVENT:
+    case LIST_TODO: return 0;
+    default:
+        PIM_TRACE(TRACE_HARD, "Not supported listtype\n");
+        raise_exception(env, "Not supported list type", RAISE_PIM_EXCEPTION, PIM_GENERAL_ERROR);
+        return 0;
+    }
+}
+
 // ---- Java arrays ----------------------------------------------------------------------------------------------------
 
 jintArray new_int_array(JNIEnv* env, std::span<const jint> values)
@@ -82,20 +94,21 @@ bool is_ascii_upper(char c)
     return c >= 'A' && c <= 'Z';
 }
 
-void fold_to_lower_case(char* text)
+void fold_to_lower_case(char* text, size_t text_size)
 {
-    for (; *text != '\0'; ++text)
+    for (char* end = text + strnlen(text, text_size); text != end; ++text)
         if (is_ascii_upper(*text)) *text = static_cast<char>(*text + 32);
 }
 
-int32_t contains(char* match, char* text)
+int32_t contains(char* match, char* text, size_t text_size)
 {
     // Kept: an empty field contains any match string, so a record with an empty field is found by every search.
-    if (*text == '\0') return 1;
+    const size_t length = strnlen(text, text_size);
+    if (length == 0) return 1;
 
     fold_to_lower_case(match);
-    fold_to_lower_case(text);
-    return std::strstr(text, match) != nullptr ? 1 : 0;
+    fold_to_lower_case(text, length);
+    return memmem(text, length, match, std::strlen(match)) != nullptr ? 1 : 0;
 }
 
 static bool is_continuation(char c)
@@ -103,28 +116,28 @@ static bool is_continuation(char c)
     return (static_cast<unsigned char>(c) & 0xc0) == 0x80;
 }
 
-// Whether the three bytes at `c` are one half of a surrogate pair: 0xed, then a byte from `first` to first + 15.
-static bool is_surrogate(const char* c, unsigned char first)
+// Whether the three bytes at `position` are one half of a surrogate pair: 0xed, then a byte from `first` to first + 15.
+static bool is_surrogate(std::string_view text, size_t position, unsigned char first)
 {
-    return static_cast<unsigned char>(c[0]) == 0xed && (static_cast<unsigned char>(c[1]) & 0xf0) == first;
+    return position + 1 < text.size() && static_cast<unsigned char>(text[position]) == 0xed &&
+           (static_cast<unsigned char>(text[position + 1]) & 0xf0) == first;
 }
 
-size_t whole_characters(const char* text, size_t length, size_t limit)
+size_t whole_characters(std::string_view text, size_t limit)
 {
-    if (length <= limit) return length;
+    if (text.size() <= limit) return text.size();
 
     size_t end = limit;
     while (end > 0 && is_continuation(text[end])) --end;
 
     // The cut must not part the high half of a pair, three bytes before it, from the low half behind it.
-    if (end >= 3 && end + 1 < length && is_surrogate(text + end, 0xb0) && is_surrogate(text + end - 3, 0xa0)) end -= 3;
+    if (end >= 3 && is_surrogate(text, end, 0xb0) && is_surrogate(text, end - 3, 0xa0)) end -= 3;
     return end;
 }
 
-void copy_text(std::span<char> target, const char* text, size_t source_size)
+void copy_text(std::span<char> target, std::string_view text)
 {
-    const size_t length = strnlen(text, source_size);
-    const size_t kept = whole_characters(text, length, target.size() - 1);
-    std::memcpy(target.data(), text, kept);
+    const size_t kept = whole_characters(text, target.size() - 1);
+    std::memcpy(target.data(), text.data(), kept);
     target[kept] = '\0';
 }

@@ -6,8 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <span>
+#include <string_view>
 
 #include <jni.h>
 
@@ -46,6 +48,10 @@ enum exception_code : int32_t {
 // look-up's own error is pending instead. The caller releases what it holds and returns to Java at once.
 void raise_exception(JNIEnv* env, const char* message, int32_t code, int32_t reason);
 
+// What both maxCategoriesN natives answer: `of_contacts` for contacts, 0 for events and to-dos; another list type
+// raises.
+int32_t max_categories(JNIEnv* env, int32_t listtype, int32_t of_contacts);
+
 // ---- Java arrays ----------------------------------------------------------------------------------------------------
 
 // A new int[] of `values`, or null with an exception pending.
@@ -55,23 +61,45 @@ jintArray new_int_array(JNIEnv* env, std::span<const jint> values);
 // with an exception pending.
 jobjectArray new_string_array(JNIEnv* env, const char* slots, size_t slot_size, jsize count);
 
+// ---- Java strings ---------------------------------------------------------------------------------------------------
+
+// Calls `use` with the characters of a string that is not null, in modified UTF-8, and gives its result; the
+// characters are released afterwards. Gives `failed` with an exception pending when they cannot be had.
+template <typename Result, typename Use>
+Result with_characters(JNIEnv* env, jstring string, Result failed, Use use)
+{
+    const char* characters = env->GetStringUTFChars(string, nullptr);
+    if (characters == nullptr) return failed;
+    const Result result = use(characters);
+    env->ReleaseStringUTFChars(string, characters);
+    return result;
+}
+
 // ---- Texts ----------------------------------------------------------------------------------------------------------
 
 bool is_ascii_upper(char c);
 
-// Lower-cases the 26 letters A-Z of a NUL-terminated text in place; every other byte stays.
-void fold_to_lower_case(char* text);
+// Lower-cases the 26 letters A-Z of a text in place; every other byte stays. The text ends at its terminator or
+// after `text_size` bytes.
+void fold_to_lower_case(char* text, size_t text_size = SIZE_MAX);
 
 // 1 when `match` occurs in `text` with ASCII letters compared without case, else 0. Both are lower-cased in
-// place. An empty `text` contains everything, and then nothing is folded.
-int32_t contains(char* match, char* text);
+// place. An empty `text` contains everything, and then nothing is folded. `text` ends at its terminator or after
+// `text_size` bytes.
+int32_t contains(char* match, char* text, size_t text_size = SIZE_MAX);
 
 // The number of leading bytes of `text`, at most `limit`, that end with a whole character of modified UTF-8; a
-// surrogate pair counts as one. `length` is the length of `text`.
-size_t whole_characters(const char* text, size_t length, size_t limit);
+// surrogate pair counts as one.
+size_t whole_characters(std::string_view text, size_t limit);
 
-// Copies `text`, of which at most `source_size` bytes are looked at, into `target` and terminates it. What does not
-// fit is cut at a character boundary.
-void copy_text(std::span<char> target, const char* text, size_t source_size = SIZE_MAX);
+// Copies `text` into `target` and terminates it. What does not fit is cut at a character boundary.
+void copy_text(std::span<char> target, std::string_view text);
+
+// The text in a field of a record; one that fills its field whole has no terminator inside it.
+template <size_t size>
+std::string_view text_of(const char (&field)[size])
+{
+    return {field, strnlen(field, size)};
+}
 
 #endif

@@ -5,14 +5,12 @@
 #include <cstdint>
 #include <span>
 
-#include "pimnativeutil.h"
-
 // Repeat fields that an event's rule may hold at most.
 inline constexpr int32_t REPEAT_FIELDS_MAX = 8;
 
-// Counts the events whose start is the earliest one after `after`, in ms since the epoch. Returns that count or -1,
-// with a buffer of at least as many entries in *found when it is above 0; the buffer is the caller's to free.
-int32_t EventListImpl_nextSortedEventN(int64_t after, heap_array<int32_t>* found);
+// Counts the events whose start is the earliest one after `after`, in ms since the epoch. Returns that count or -1.
+// When it is above 0, *found leads to a malloc() block of that many record indexes or zeros.
+int32_t EventListImpl_nextSortedEventN(int64_t after, int32_t** found);
 
 // One field (enum repeat_field) of an event's repeat rule:
 //   store cannot be opened or closed  -1

@@ -38,6 +38,11 @@ static void attach_text_buffers(org_full_record* record, int32_t* error)
     }
 }
 
+void detach_text_buffers(org_full_record* record)
+{
+    for (const text_buffer& buffer : TEXT_BUFFERS) record->*buffer.text = nullptr;
+}
+
 int32_t native_function_initialize(int32_t listtype, org_full_record* record, int32_t* error)
 {
     const bool is_organizer_list = listtype == LIST_EVENT || listtype == LIST_TODO;

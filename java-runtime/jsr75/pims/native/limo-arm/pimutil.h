@@ -47,6 +47,9 @@ int64_t pim_mktime(broken_down_time* time);
 
 } // extern "C"
 
+// Points the record's texts at nothing, after a close has released their buffers.
+void detach_text_buffers(org_full_record* record);
+
 // ---- Dates ----------------------------------------------------------------------------------------------------------
 
 // Milliseconds since the epoch as Java holds them; a time that mktime() refuses gives -1000.
@@ -60,6 +63,18 @@ int64_t java_date_seconds(int64_t milliseconds);
 
 // The local time of `seconds` since the epoch, of which the device's 32 bits count.
 broken_down_time to_local_time(int64_t seconds);
+
+// ---- Closing ----------------------------------------------------------------------------------------------------
+
+// Closes the connection and gives `result`, or `not_closed` when it would not close. `error` is the caller's error
+// word, `site` the caller that makes the check.
+template <typename T>
+T close_connection(trace_site site, int32_t listtype, org_full_record* record, int32_t error, T result, T not_closed)
+{
+    if (native_function_finalize(listtype, record) == 1) return result;
+    PIM_TRACE_ASSERT_AT(site, "final", error);
+    return not_closed;
+}
 
 // ---- Frames ---------------------------------------------------------------------------------------------------------
 //
@@ -94,11 +109,7 @@ T read_contact(trace_site site, int32_t recindex, contact_failures<T> failing, L
         PIM_TRACE_AT(site, TRACE_HARD, fetch_failed, error);
     contact_db_service_contact_free(&contact);
 
-    if (native_function_finalize(LIST_CONTACT, nullptr) != 1) {
-        PIM_TRACE_ASSERT_AT(site, "final", error);
-        return failing.closing.value_or(result);
-    }
-    return result;
+    return close_connection(site, LIST_CONTACT, nullptr, error, result, failing.closing.value_or(result));
 }
 
 template <typename T>
@@ -132,11 +143,7 @@ T read_organizer(trace_site site, int32_t listtype, int32_t recindex, organizer_
         PIM_TRACE_AT(site, TRACE_HARD, fetch_failed, error);
     }
 
-    if (native_function_finalize(listtype, &record) != 1) {
-        PIM_TRACE_ASSERT_AT(site, "final", error);
-        return failing.closing;
-    }
-    return result;
+    return close_connection(site, listtype, &record, error, result, failing.closing);
 }
 
 #endif

@@ -5,8 +5,7 @@
 #include <cstdint>
 #include <span>
 
-// The highest number of record positions that a date-ordered walk looks at: positions 0..1999.
-inline constexpr int32_t ORG_RECORD_CNT_MAX = 2000;
+#include "dateorder.h"
 
 // Writes the record indexes of the to-dos whose date `field` (a ToDo field code) is the earliest one after
 // `current_date`, in ms since the epoch. Returns their number, or -1 on failure.
