@@ -56,8 +56,10 @@ final class OrganizerImport {
         text(request, Event.NOTE, row.text("note"));
         Long start = row.date("start");
         Integer alarmMinutes = row.number("alarm minutes before");
+        Long end = row.date("end");
         number(request, Event.START, start);
-        number(request, Event.END, row.date("end"));
+        // The store takes a missing end for one in 1900 and moves the start there.
+        number(request, Event.END, end == null ? start : end);
         if (start != null && alarmMinutes != null) {
             request.number(Event.ALARM, start - alarmMinutes * 60_000L);
         }

@@ -18,7 +18,7 @@ public class PIMItemImpl {
     /**
      * Never returns: no field holds binary values.
      *
-     * @throws PIMException always, with reason FEATURE_NOT_SUPPORTED
+     * @throws PIMException always
      */
     public native byte[] getBinaryN(int listtype, int handle) throws PIMException;
 
