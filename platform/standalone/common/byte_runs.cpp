@@ -1,0 +1,83 @@
+#include "common/byte_runs.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#include "common/store_error.h"
+
+namespace pim_store {
+
+static_assert(std::endian::native == std::endian::little, "words are stored as they lie in memory");
+
+struct run_head {
+    uint16_t skip;
+    uint16_t length;
+};
+
+static constexpr size_t longest_run = UINT16_MAX;
+// A gap shorter than a head is cheaper copied than skipped.
+static constexpr size_t shortest_gap = sizeof(run_head) + 1;
+
+// The first position from `at` on where the images differ, their size when there is none.
+static size_t next_difference(byte_view image, byte_view base, size_t at)
+{
+    return static_cast<size_t>(std::mismatch(image.begin() + static_cast<ptrdiff_t>(at), image.end(),
+                                             base.begin() + static_cast<ptrdiff_t>(at))
+                                   .first -
+                               image.begin());
+}
+
+static void append_run(std::vector<std::byte>& runs, size_t skip, byte_view bytes)
+{
+    for (; skip > longest_run; skip -= longest_run) append_run(runs, longest_run, {});
+    const size_t length = std::min(bytes.size(), longest_run);
+    const run_head head = {static_cast<uint16_t>(skip), static_cast<uint16_t>(length)};
+    const auto* head_bytes = reinterpret_cast<const std::byte*>(&head);
+    runs.insert(runs.end(), head_bytes, head_bytes + sizeof head);
+    runs.insert(runs.end(), bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(length));
+    if (length < bytes.size()) append_run(runs, 0, bytes.subspan(length));
+}
+
+std::vector<std::byte> byte_runs(byte_view image, byte_view base)
+{
+    std::vector<std::byte> runs;
+    size_t written = 0;
+    for (size_t start = next_difference(image, base, 0); start < image.size();) {
+        size_t end = start + 1;
+        size_t next = next_difference(image, base, end);
+        while (next < image.size() && next - end < shortest_gap) {
+            end = next + 1;
+            next = next_difference(image, base, end);
+        }
+        append_run(runs, start - written, image.subspan(start, end - start));
+        written = end;
+        start = next;
+    }
+    return runs;
+}
+
+std::vector<std::byte> byte_runs(byte_view image)
+{
+    return byte_runs(image, std::vector<std::byte>(image.size()));
+}
+
+void apply_byte_runs(byte_view runs, std::span<std::byte> image)
+{
+    size_t at = 0;
+    while (!runs.empty()) {
+        run_head head;
+        if (runs.size() < sizeof head) throw store_failure(store_error::corrupt);
+        std::memcpy(&head, runs.data(), sizeof head);
+        runs = runs.subspan(sizeof head);
+        if (head.length > runs.size() || size_t{head.skip} + head.length > image.size() - at)
+            throw store_failure(store_error::corrupt);
+        at += head.skip;
+        std::memcpy(image.data() + at, runs.data(), head.length);
+        at += head.length;
+        runs = runs.subspan(head.length);
+    }
+}
+
+} // namespace pim_store

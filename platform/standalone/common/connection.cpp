@@ -1,0 +1,97 @@
+#include "common/connection.h"
+
+#include <sqlite3.h>
+
+namespace pim_store {
+
+statement::~statement()
+{
+    prepared_.tryReset();
+    try {
+        prepared_.clearBindings();
+    } catch (const SQLite::Exception&) {
+        // Every run binds all its parameters anew.
+    }
+}
+
+std::string_view statement::text(int column) const
+{
+    const SQLite::Column value = prepared_.getColumn(column);
+    const char* text = value.getText();
+    return {text, static_cast<size_t>(value.getBytes())};
+}
+
+byte_view statement::bytes(int column) const
+{
+    const SQLite::Column value = prepared_.getColumn(column);
+    const auto* bytes = static_cast<const std::byte*>(value.getBlob());
+    return {bytes, static_cast<size_t>(value.getBytes())};
+}
+
+void statement::bind_one(int position, byte_view bytes)
+{
+    if (bytes.empty())
+        prepared_.bind(position);
+    else
+        prepared_.bind(position, bytes.data(), static_cast<int>(bytes.size()));
+}
+
+connection::connection(const std::filesystem::path& file)
+    : database_(file.c_str(), SQLite::OPEN_READWRITE, static_cast<int>(lock_patience.count()))
+{
+    try {
+        database_.exec("PRAGMA journal_mode = WAL");
+        database_.exec("PRAGMA synchronous = FULL");
+        database_.exec("PRAGMA foreign_keys = ON");
+    } catch (const SQLite::Exception& exception) {
+        throw failure(exception);
+    }
+}
+
+statement connection::prepare(const char* sql)
+{
+    auto found = statements_.find(sql);
+    if (found == statements_.end()) found = statements_.emplace(sql, SQLite::Statement(database_, sql)).first;
+    return statement(found->second);
+}
+
+int32_t connection::number(const char* sql)
+{
+    statement query = prepare(sql);
+    return query.step() ? query.integer(0) : 0;
+}
+
+store_failure connection::failure(const SQLite::Exception& exception) const
+{
+    return failure_of(exception.getExtendedErrorCode(), sqlite3_system_errno(handle()));
+}
+
+transaction::transaction(connection& over, purpose what_for, int32_t version) : connection_(over)
+{
+    connection_.prepare(what_for == purpose::writing ? "BEGIN IMMEDIATE" : "BEGIN").run();
+    try {
+        // Also what makes a reading transaction begin: BEGIN alone waits for the first statement.
+        if (connection_.number("PRAGMA user_version") != version) throw store_failure(store_error::newer_schema);
+    } catch (...) {
+        connection_.prepare("ROLLBACK").run();
+        throw;
+    }
+}
+
+transaction::~transaction()
+{
+    // SQLite itself has ended a transaction that met a full disk or the like.
+    if (sqlite3_get_autocommit(connection_.handle())) return;
+    try {
+        connection_.prepare("ROLLBACK").run();
+    } catch (const SQLite::Exception&) {
+        // Nothing was committed, and the next BEGIN on this connection reports what is wrong with it.
+    }
+}
+
+void transaction::commit()
+{
+    connection_.prepare("COMMIT").run();
+}
+
+} // namespace pim_store

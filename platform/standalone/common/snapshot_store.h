@@ -1,0 +1,286 @@
+// snapshot_store.h: a store file and what the process keeps of it in memory.
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <shared_mutex>
+#include <utility>
+
+#include "common/change_watch.h"
+#include "common/connection.h"
+#include "common/database_file.h"
+#include "common/process_fork.h"
+#include "common/store_error.h"
+#include "common/store_folder.h"
+
+namespace pim_store {
+
+// A reader-writer lock that lets no stream of readers keep a writer out, as std::shared_mutex may.
+class snapshot_lock {
+public:
+    snapshot_lock()
+    {
+        pthread_rwlockattr_t attributes;
+        pthread_rwlockattr_init(&attributes);
+        pthread_rwlockattr_setkind_np(&attributes, PTHREAD_RWLOCK_PREFER_WRITER_NONRECURSIVE_NP);
+        pthread_rwlock_init(&lock_, &attributes);
+        pthread_rwlockattr_destroy(&attributes);
+    }
+    snapshot_lock(const snapshot_lock&) = delete;
+    snapshot_lock& operator=(const snapshot_lock&) = delete;
+    ~snapshot_lock() { pthread_rwlock_destroy(&lock_); }
+
+    void lock() { pthread_rwlock_wrlock(&lock_); }
+    bool try_lock() { return pthread_rwlock_trywrlock(&lock_) == 0; }
+    void unlock() { pthread_rwlock_unlock(&lock_); }
+    void lock_shared() { pthread_rwlock_rdlock(&lock_); }
+    void unlock_shared() { pthread_rwlock_unlock(&lock_); }
+
+private:
+    pthread_rwlock_t lock_;
+};
+
+// What a look into the contents answers with: nothing more is needed, or the number of a record that is not loaded yet.
+inline constexpr int32_t answered = 0;
+
+// The store of a process: every thread's calls end here.
+//
+// `Contents` is what the process keeps in memory. The store is its only user, never two threads at once while it
+// changes. It has
+//   Contents()                                       nothing loaded
+//   void load(connection&)                           lists and groups, everything but the records
+//   Batch fetch(connection&, int32_t record) const   the packed record and some neighbours, as any type of its choice
+//   void adopt(Batch&&)                              takes in what fetch() brought; the record is loaded from then on
+//
+// The snapshot bears the mark of the file that it was read under and is good as long as the file bears the same. How
+// it stays true:
+//   A reader looks at the mark under the shared lock; when it is unchanged, the answer comes from memory.
+//   Loading takes `loading_`. The mark is read before and again after the read transaction has begun: equal means that
+//   this transaction sees exactly that state. What is missing is read in it and published under the exclusive lock.
+//   A writer does its work in SQLite's write lock and takes `loading_` from before its commit until the snapshot has
+//   followed: a reader that meets the new mark queues there and finds the snapshot current again. When the file was in
+//   the snapshot's state before, and no other connection has committed up to after the mark was read, then that mark
+//   is the one of this commit, and the change alone is carried over. In every other case the snapshot is dropped.
+template <typename Contents>
+class snapshot_store {
+public:
+    snapshot_store(std::filesystem::path folder, const database_layout& layout,
+                   change_watch::method method = change_watch::method::header)
+        : folder_(std::move(folder)), file_(folder_ / layout.file_name), layout_(layout), method_(method)
+    {}
+
+    // Opens the calling thread's connection, which stays open until the thread ends.
+    void connect()
+    {
+        if (!own_connection_is_open()) open_own_connection();
+    }
+
+    // Answers from memory: `look(const Contents&)` returns `answered` when it has copied out what it wants, or the
+    // number of the record that it misses, having changed nothing. It may throw, and may run several times.
+    template <typename Look>
+    void read(Look&& look)
+    {
+        {
+            const std::shared_lock reading(contents_lock_);
+            if (is_current() && look(std::as_const(contents_)) == answered) return;
+        }
+        read_loading(look);
+    }
+
+    // Changes the file in one transaction: `change(connection&)` makes the changes and returns a callable that applies
+    // the same to the Contents in memory. That one runs after the commit, at most once; when it throws the snapshot is
+    // dropped. Any exception from `change` undoes the transaction.
+    template <typename Change>
+    void write(Change&& change)
+    {
+        connect();
+        const std::unique_lock writing(writing_, lock_patience);
+        if (!writing) throw store_failure(store_error::locked);
+        connection& mine = own_connection();
+        try {
+            transaction work(mine, transaction::purpose::writing, layout_.version());
+            auto carry = change(mine);
+            commit(work, mine, carry);
+        } catch (const SQLite::Exception& exception) {
+            throw mine.failure(exception);
+        }
+    }
+
+    // Lets SQLite tidy up behind the last connection. Calls that come later open the file again. Does nothing when
+    // another thread is in the middle of a call.
+    void close()
+    {
+        const std::unique_lock writing(writing_, std::try_to_lock);
+        if (!writing) return;
+        const std::unique_lock loading(loading_, std::try_to_lock);
+        if (!loading) return;
+        const std::unique_lock changing(contents_lock_, std::try_to_lock);
+        if (!changing) return;
+        contents_ = Contents();
+        tag_.reset();
+        watch_.reset();
+    }
+
+    // Belongs to the process that made it; a forked child makes its own.
+    bool is_of_this_process() const { return generation_ == fork_generation(); }
+
+private:
+    // A thread's connection, with the store and the process that it belongs to.
+    struct thread_connection {
+        const void* store = nullptr;
+        unsigned generation = 0;
+        std::unique_ptr<connection> opened;
+
+        ~thread_connection() { reset(); }
+
+        void reset()
+        {
+            if (generation != fork_generation()) static_cast<void>(opened.release()); // It is the parent's.
+            opened.reset();
+        }
+    };
+
+    static thread_connection& own()
+    {
+        static thread_local thread_connection own;
+        return own;
+    }
+
+    bool own_connection_is_open() const
+    {
+        const thread_connection& mine = own();
+        return mine.opened && mine.store == this && mine.generation == generation_;
+    }
+
+    connection& own_connection() { return *own().opened; }
+
+    void open_own_connection()
+    {
+        {
+            const std::lock_guard loading(loading_);
+            open_watch();
+        }
+        thread_connection& mine = own();
+        mine.reset();
+        mine.opened = std::make_unique<connection>(file_);
+        mine.store = this;
+        mine.generation = generation_;
+    }
+
+    // Needs `loading_`. The first one of a process makes, recognises and upgrades the file.
+    void open_watch()
+    {
+        if (watch_) return;
+        make_folder(folder_);
+        prepare_database(file_, layout_);
+        auto watch = std::make_unique<change_watch>(file_, method_);
+        const std::unique_lock changing(contents_lock_);
+        watch_ = std::move(watch);
+    }
+
+    // Needs `loading_` or the shared lock.
+    bool is_current() const { return tag_ && watch_ && watch_->now() == *tag_; }
+
+    template <typename Look>
+    void read_loading(Look& look)
+    {
+        connect();
+        const std::lock_guard loading(loading_);
+        open_watch();
+        if (is_current() && look(std::as_const(contents_)) == answered) return;
+        connection& mine = own_connection();
+        try {
+            while (!load_and_look(mine, look)) {}
+        } catch (const SQLite::Exception& exception) {
+            throw mine.failure(exception);
+        }
+    }
+
+    // False when someone committed at the very moment the transaction began. Each time one commit got through, so that
+    // a reader is not kept waiting by anything but progress.
+    template <typename Look>
+    bool load_and_look(connection& mine, Look& look)
+    {
+        const change_mark seen = watch_->now();
+        const transaction at_one_time(mine, transaction::purpose::reading, layout_.version());
+        if (watch_->now() != seen) return false;
+        if (tag_ != seen) {
+            Contents loaded;
+            loaded.load(mine);
+            const std::unique_lock changing(contents_lock_);
+            contents_ = std::move(loaded);
+            tag_ = seen;
+        }
+        for (int32_t missing; (missing = look(std::as_const(contents_))) != answered;) {
+            auto batch = std::as_const(contents_).fetch(mine, missing);
+            const std::unique_lock changing(contents_lock_);
+            contents_.adopt(std::move(batch));
+        }
+        return true;
+    }
+
+    template <typename Carry>
+    void commit(transaction& work, connection& mine, Carry& carry)
+    {
+        const std::lock_guard loading(loading_);
+        const bool was_current = watch_ && watch_->names_states() && is_current();
+        const int32_t version = mine.number("PRAGMA data_version");
+        work.commit();
+        try {
+            const change_mark committed = watch_ ? watch_->now() : change_mark();
+            const bool is_ours = was_current && mine.number("PRAGMA data_version") == version;
+            const std::unique_lock changing(contents_lock_);
+            tag_.reset();
+            if (is_ours) {
+                carry(contents_);
+                tag_ = committed;
+            }
+        } catch (...) {
+            // The commit stands. Without a tag the next reader loads afresh.
+        }
+    }
+
+    const std::filesystem::path folder_;
+    const std::filesystem::path file_;
+    const database_layout& layout_;
+    const change_watch::method method_;
+    const unsigned generation_ = fork_generation();
+
+    std::timed_mutex
+        writing_;        // One writer of this process at a time; the others queue here and not in SQLite's busy wait.
+    std::mutex loading_; // Taken after writing_.
+    snapshot_lock contents_lock_; // Taken after loading_. Shared: look; exclusive, by holders of loading_: change.
+    std::unique_ptr<change_watch> watch_;
+    std::optional<change_mark> tag_; // None: nothing is loaded.
+    Contents contents_;
+};
+
+// The one store of this library in this process. It is never destroyed, since threads may still call while the
+// process exits; its files are closed then.
+template <typename Contents>
+snapshot_store<Contents>& process_store(const database_layout& layout)
+{
+    static std::atomic<snapshot_store<Contents>*> current = nullptr;
+    struct closing_at_exit {
+        ~closing_at_exit()
+        {
+            if (auto* store = current.load(); store && store->is_of_this_process()) store->close();
+        }
+    };
+
+    auto* store = current.load(std::memory_order_acquire);
+    if (store && store->is_of_this_process()) return *store;
+
+    // A forked child abandons the parent's store as it is: other threads may have been in the middle of it.
+    static const closing_at_exit closing;
+    auto made = std::make_unique<snapshot_store<Contents>>(store_folder(), layout);
+    if (current.compare_exchange_strong(store, made.get(), std::memory_order_acq_rel)) return *made.release();
+    return *store;
+}
+
+} // namespace pim_store
