@@ -1,0 +1,174 @@
+#include "allocation_faults.h"
+
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <set>
+
+#include "pimutil.h"
+
+extern "C" {
+void* __real_malloc(size_t size);
+void* __real_calloc(size_t count, size_t size);
+void* __real_realloc(void* block, size_t size);
+void __real_free(void* block);
+int32_t __real_native_function_initialize(int32_t listtype, org_full_record* record, int32_t* error);
+
+void* __wrap_malloc(size_t size);
+void* __wrap_calloc(size_t count, size_t size);
+void* __wrap_realloc(void* block, size_t size);
+void __wrap_free(void* block);
+int32_t __wrap_native_function_initialize(int32_t listtype, org_full_record* record, int32_t* error);
+}
+
+namespace {
+
+// The containers take their memory through operator new, which the linker's --wrap does not reach.
+struct heap_state {
+    std::mutex mutex;
+    std::set<void*> blocks;
+    std::vector<size_t> sizes;
+    std::set<size_t> failing_sizes;
+    int until_failure = 0; // 0: none is going to fail.
+    bool failed = false;
+    std::map<int32_t, int32_t> refused_connections;
+};
+
+// Never destroyed: free() is called to the very end of the process.
+heap_state& heap()
+{
+    static auto* state = new heap_state;
+    return *state;
+}
+
+bool should_fail(size_t size)
+{
+    heap_state& state = heap();
+    const std::lock_guard lock(state.mutex);
+    state.sizes.push_back(size);
+    const bool counted_down = state.until_failure > 0 && --state.until_failure == 0;
+    const bool fails = counted_down || state.failing_sizes.contains(size);
+    state.failed = state.failed || fails;
+    return fails;
+}
+
+void* tracked(void* block)
+{
+    heap_state& state = heap();
+    const std::lock_guard lock(state.mutex);
+    if (block != nullptr) state.blocks.insert(block);
+    return block;
+}
+
+void forget(void* block)
+{
+    heap_state& state = heap();
+    const std::lock_guard lock(state.mutex);
+    state.blocks.erase(block);
+}
+
+} // namespace
+
+void* __wrap_malloc(size_t size)
+{
+    return should_fail(size) ? nullptr : tracked(__real_malloc(size));
+}
+
+void* __wrap_calloc(size_t count, size_t size)
+{
+    return should_fail(count * size) ? nullptr : tracked(__real_calloc(count, size));
+}
+
+void* __wrap_realloc(void* block, size_t size)
+{
+    if (should_fail(size)) return nullptr;
+    forget(block);
+    return tracked(__real_realloc(block, size));
+}
+
+void __wrap_free(void* block)
+{
+    forget(block);
+    __real_free(block);
+}
+
+void reset_allocations()
+{
+    heap_state& state = heap();
+    const std::lock_guard lock(state.mutex);
+    state.blocks.clear();
+    state.sizes.clear();
+    state.failing_sizes.clear();
+    state.until_failure = 0;
+    state.failed = false;
+}
+
+void fail_allocation(int nth)
+{
+    heap().until_failure = nth;
+}
+
+void fail_allocations_of(size_t size)
+{
+    heap().failing_sizes.insert(size);
+}
+
+bool allocation_failed()
+{
+    return heap().failed;
+}
+
+std::vector<size_t> allocation_sizes()
+{
+    heap_state& state = heap();
+    const std::lock_guard lock(state.mutex);
+    return state.sizes;
+}
+
+size_t unreleased_blocks()
+{
+    heap_state& state = heap();
+    const std::lock_guard lock(state.mutex);
+    return state.blocks.size();
+}
+
+void release_all_blocks()
+{
+    std::set<void*> blocks;
+    {
+        heap_state& state = heap();
+        const std::lock_guard lock(state.mutex);
+        blocks.swap(state.blocks);
+    }
+    for (void* block : blocks) __real_free(block);
+}
+
+void* platform_allocate(size_t size)
+{
+    return tracked(__real_calloc(1, size));
+}
+
+void platform_free(void* block)
+{
+    __wrap_free(block);
+}
+
+int32_t __wrap_native_function_initialize(int32_t listtype, org_full_record* record, int32_t* error)
+{
+    const auto& refused = heap().refused_connections;
+    if (const auto found = refused.find(listtype); found != refused.end()) {
+        *error = found->second;
+        return 0;
+    }
+    return __real_native_function_initialize(listtype, record, error);
+}
+
+void refuse_connections(int32_t listtype, int32_t error)
+{
+    heap().refused_connections[listtype] = error;
+}
+
+void accept_connections()
+{
+    heap().refused_connections.clear();
+}
