@@ -152,10 +152,9 @@ struct contact_group_record { /* 1352 bytes */
 
 /* CONTACT_LAYOUT pins an offset that all machines share, CONTACT_DEVICE_LAYOUT one that holds where pointers have
  * 4 bytes. */
-#define CONTACT_LAYOUT(record, field, offset) \
-    static_assert(offsetof(struct record, field) == (offset), "exchanged with the store")
+#define CONTACT_LAYOUT(record, field, offset) static_assert(offsetof(struct record, field) == (offset), "store layout")
 #define CONTACT_DEVICE_LAYOUT(record, field, offset) \
-    static_assert(sizeof(void*) != 4 || offsetof(struct record, field) == (offset), "exchanged with the store")
+    static_assert(sizeof(void*) != 4 || offsetof(struct record, field) == (offset), "store layout")
 
 static_assert(sizeof(struct contact_phone) == 56, "array stride");
 CONTACT_LAYOUT(contact_phone, type, 44);
@@ -181,7 +180,7 @@ CONTACT_LAYOUT(contact_address, country, 1074);
 CONTACT_LAYOUT(contact_address, pobox, 1139);
 CONTACT_LAYOUT(contact_address, position, 1204);
 
-static_assert(sizeof(void*) != 4 || sizeof(struct contact_record) == 4736, "exchanged with the store");
+static_assert(sizeof(void*) != 4 || sizeof(struct contact_record) == 4736, "store layout");
 CONTACT_LAYOUT(contact_record, index, 0);
 CONTACT_LAYOUT(contact_record, opaque_4, 4);
 CONTACT_LAYOUT(contact_record, name_info.last_name, 8);

@@ -108,16 +108,15 @@ struct org_full_record {                     /* 396 bytes */
     int32_t opaque_352[11];                  /* 352 */
 };
 
-static_assert(sizeof(struct org_date_time) == 44, "exchanged with the store");
-static_assert(offsetof(struct org_date_time, gmtoff) == 36, "exchanged with the store");
-static_assert(offsetof(struct org_date_time, zone) == 40, "exchanged with the store");
+static_assert(sizeof(struct org_date_time) == 44, "store layout");
+static_assert(offsetof(struct org_date_time, gmtoff) == 36, "store layout");
+static_assert(offsetof(struct org_date_time, zone) == 40, "store layout");
 
 /* Pins an offset where pointers have 4 bytes. */
-#define ORG_DEVICE_LAYOUT(field, offset)                                                                           \
-    static_assert(sizeof(void*) != 4 || offsetof(struct org_full_record, field) == (offset), "exchanged with the " \
-                                                                                             "store")
+#define ORG_DEVICE_LAYOUT(field, offset) \
+    static_assert(sizeof(void*) != 4 || offsetof(struct org_full_record, field) == (offset), "store layout")
 
-static_assert(sizeof(void*) != 4 || sizeof(struct org_full_record) == 396, "exchanged with the store");
+static_assert(sizeof(void*) != 4 || sizeof(struct org_full_record) == 396, "store layout");
 ORG_DEVICE_LAYOUT(index, 0);
 ORG_DEVICE_LAYOUT(kind, 4);
 ORG_DEVICE_LAYOUT(opaque_8, 8);
