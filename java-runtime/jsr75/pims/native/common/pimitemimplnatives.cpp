@@ -289,7 +289,7 @@ static bool category_count_agrees(JNIEnv* env, const commit_arguments& arguments
     auto count = static_cast<jstring>(env->GetObjectArrayElement(arguments.categories, 0));
     if (count == nullptr) return false;
     const bool agrees = with_characters<bool>(
-        env, count, false, [&](const char* digits) { return std::atoi(digits) == arguments.numcats; });
+        env, count, false, [&](const char* digits) { return std::strtol(digits, nullptr, 10) == arguments.numcats; });
     env->DeleteLocalRef(count);
     return agrees;
 }
