@@ -56,9 +56,9 @@ public final class Demo {
                 new Progress("Importing contacts", inPlace));
         ImportResult importedEvents = OrganizerImport.events(device, events);
         ImportResult importedTodos = OrganizerImport.todos(device, todos);
-        report.leftOut(importedContacts, "contacts from " + contacts);
-        report.leftOut(importedEvents, "events from " + events);
-        report.leftOut(importedTodos, "to-dos from " + todos);
+        report.outcome(importedContacts, "contact", contacts);
+        report.outcome(importedEvents, "event", events);
+        report.outcome(importedTodos, "to-do", todos);
 
         printLists(device, report);
         printTour(new Tour(device, report, out));
@@ -72,8 +72,9 @@ public final class Demo {
         int events = device.records(PIMCodes.List.EVENT).size();
         int todos = device.records(PIMCodes.List.TODO).size();
         if (contacts + events + todos > 0) {
-            out.println("The store already holds " + contacts + " contacts, " + events + " events and " + todos
-                    + " to-dos; ./demo --fresh starts over.");
+            out.println("The store already holds " + Report.counted(contacts, "contact") + ", "
+                    + Report.counted(events, "event") + " and " + Report.counted(todos, "to-do")
+                    + "; ./demo --fresh starts over.");
         }
     }
 

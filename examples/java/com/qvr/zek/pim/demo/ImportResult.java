@@ -11,8 +11,4 @@ final class ImportResult {
     final List<String> refused = new ArrayList<>();
     /** One line per value that had to be left out of an entry that was taken. */
     final List<String> leftOut = new ArrayList<>();
-
-    String summary(String what) {
-        return added + " " + what + " imported, " + alreadyStored + " already there, " + refused.size() + " refused";
-    }
 }

@@ -1,12 +1,13 @@
 package com.qvr.zek.pim.demo;
 
 import com.qvr.zek.pim.PIMCodes;
+import java.io.File;
 import java.io.PrintStream;
 import java.util.ArrayList;
 import java.util.Collections;
 import java.util.List;
 
-/** Prints the three lists as the library reads them back. */
+/** Prints the three lists as the library reads them back, in tables 132 characters wide. */
 final class Report {
     private static final int LABEL_WIDTH = 15;
     private static final int NOTE_CHARACTERS = 90;
@@ -26,8 +27,8 @@ final class Report {
     }
 
     void contacts(List<Integer> recindexes) {
-        Table table = new Table(out, "#", 5, "Name", 24, "Phones", 34, "E-mail and web", 32, "Addresses", 26,
-                "Note", 26);
+        Table table = new Table(out, "#", 5, "Name", 20, "Phones", 32, "E-mail and web", 28, "Addresses", 18,
+                "Note", 19);
         for (int recindex : recindexes) {
             ContactCard card = new ContactCard(device, recindex);
             List<String> mailsAndPages = new ArrayList<>();
@@ -35,36 +36,42 @@ final class Report {
             card.pages.forEach(page -> mailsAndPages.add(page.text));
             table.row(recindex, who(card), aligned(card.phones), mailsAndPages, addresses(card.addresses), about(card));
         }
-        out.println(recindexes.size() + (recindexes.size() == 1 ? " contact" : " contacts"));
+        out.println(counted(recindexes.size(), "contact"));
     }
 
     void events(List<Integer> recindexes) {
-        Table table = new Table(out, "#", 5, "Summary", 28, "Start", 16, "End", 16, "Location", 22, "Alarm", 14,
-                "Repeats", 24, "Note", 26);
+        Table table = new Table(out, "#", 5, "Summary", 22, "Start", 16, "End", 16, "Location", 15,
+                "Alarm before", 12, "Repeats", 15, "Note", 17);
         for (int recindex : recindexes) {
             EventEntry event = new EventEntry(device, recindex);
             table.row(recindex, event.summary, Dates.minute(event.start), Dates.minute(event.end), event.location,
-                    event.alarmMinutes == null ? "" : event.alarmMinutes + " min before", event.repeat,
+                    event.alarmMinutes == null ? "" : event.alarmMinutes + " min", event.repeat,
                     shortened(event.note));
         }
-        out.println(recindexes.size() + (recindexes.size() == 1 ? " event" : " events"));
+        out.println(counted(recindexes.size(), "event"));
     }
 
     void todos(List<Integer> recindexes) {
-        Table table = new Table(out, "#", 5, "Summary", 40, "Due", 16, "Priority", 8, "Done", 4, "Done on", 16,
-                "Note", 50);
+        Table table = new Table(out, "#", 5, "Summary", 34, "Due", 16, "Priority", 8, "Done", 4, "Done on", 16,
+                "Note", 33);
         for (int recindex : recindexes) {
             ToDoEntry todo = new ToDoEntry(device, recindex);
             table.row(recindex, todo.summary, Dates.minute(todo.due), todo.priority, todo.completed ? "yes" : "",
                     Dates.minute(todo.completedOn), shortened(todo.note));
         }
-        out.println(recindexes.size() + (recindexes.size() == 1 ? " to-do" : " to-dos"));
+        out.println(counted(recindexes.size(), "to-do"));
     }
 
-    void leftOut(ImportResult result, String what) {
-        out.println(result.summary(what));
+    /** What became of a file's entries. */
+    void outcome(ImportResult result, String what, File file) {
+        out.println(counted(result.added, what) + " imported from " + file + ", " + result.alreadyStored
+                + " already there, " + result.refused.size() + " refused");
         result.refused.forEach(line -> out.println("  refused: " + line));
         result.leftOut.forEach(line -> out.println("  left out: " + line));
+    }
+
+    static String counted(int count, String what) {
+        return count + " " + what + (count == 1 ? "" : "s");
     }
 
     String label(int field) {

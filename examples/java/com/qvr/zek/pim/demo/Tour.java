@@ -47,8 +47,8 @@ final class Tour {
                 table.row(recindex, card.name(), hit.label, hit.text);
             }
         }
-        out.println(found.size() + " contacts match; " + byEmptyText + " of them only because one of the searched"
-                + " fields is empty, and an empty field matches every text.");
+        out.println("Matching contacts: " + found.size() + ", " + byEmptyText + " of them only because one of the"
+                + " searched fields is empty, and an empty field matches every text.");
     }
 
     /** The first text that holds the searched one, or null when only an empty text or the end of a long note did. */
@@ -71,13 +71,14 @@ final class Tour {
         report.heading("Categories");
         String added = unusedCategory("Book club");
         String renamed = unusedCategory("Reading circle");
-        out.println("as they are:             " + categories());
+        Table table = new Table(out, "Step", 34, "Categories", 80);
+        table.row("as they are", categories());
         device.lists.addCategoryN(PIMCodes.List.CONTACT, Device.HANDLE, added);
-        out.println("\"" + added + "\" added:       " + categories());
+        table.row("\"" + added + "\" added", categories());
         device.lists.renameCategoryN(PIMCodes.List.CONTACT, Device.HANDLE, added, renamed);
-        out.println("renamed to \"" + renamed + "\": " + categories());
+        table.row("renamed to \"" + renamed + "\"", categories());
         device.lists.deleteCategoryN(PIMCodes.List.CONTACT, Device.HANDLE, renamed, false);
-        out.println("deleted again:           " + categories());
+        table.row("deleted again", categories());
     }
 
     void attributesOfOneContact() {
