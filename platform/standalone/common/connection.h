@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -28,12 +29,11 @@ public:
     statement& operator=(const statement&) = delete;
     ~statement();
 
-    // Binds the parameters ?1, ?2, ... in order. A byte_view without bytes is bound as NULL.
+    // Binds the next parameters in order, ?1 first. A byte_view without bytes is bound as NULL.
     template <typename... Values>
     statement& bind(const Values&... values)
     {
-        int position = 0;
-        (bind_one(++position, values), ...);
+        (bind_one(++bound_, values), ...);
         return *this;
     }
 
@@ -51,10 +51,12 @@ public:
 
 private:
     void bind_one(int position, int32_t value) { prepared_.bind(position, value); }
+    void bind_one(int position, std::nullopt_t) { prepared_.bind(position); }
     void bind_one(int position, std::string_view text) { prepared_.bind(position, std::string(text)); }
     void bind_one(int position, byte_view bytes);
 
     SQLite::Statement& prepared_;
+    int bound_ = 0;
 };
 
 // A connection belongs to one thread at a time.
