@@ -104,6 +104,7 @@ public:
         connection& mine = own_connection();
         try {
             transaction work(mine, transaction::purpose::writing, layout_.version());
+            require_whole_file(mine);
             auto carry = change(mine);
             commit(work, mine, carry);
         } catch (const SQLite::Exception& exception) {
@@ -224,6 +225,15 @@ private:
         return true;
     }
 
+    // Writing into a damaged file would damage more of it, so that the first writer of a process looks it through.
+    void require_whole_file(connection& mine)
+    {
+        if (found_whole_) return;
+        statement check = mine.prepare("PRAGMA quick_check(1)");
+        if (!check.step() || check.text(0) != "ok") throw store_failure(store_error::corrupt);
+        found_whole_ = true;
+    }
+
     template <typename Carry>
     void commit(transaction& work, connection& mine, Carry& carry)
     {
@@ -252,8 +262,9 @@ private:
     const unsigned generation_ = fork_generation();
 
     std::timed_mutex
-        writing_;        // One writer of this process at a time; the others queue here and not in SQLite's busy wait.
-    std::mutex loading_; // Taken after writing_.
+        writing_; // One writer of this process at a time; the others queue here and not in SQLite's busy wait.
+    bool found_whole_ = false;    // Guarded by writing_.
+    std::mutex loading_;          // Taken after writing_.
     snapshot_lock contents_lock_; // Taken after loading_. Shared: look; exclusive, by holders of loading_: change.
     std::unique_ptr<change_watch> watch_;
     std::optional<change_mark> tag_; // None: nothing is loaded.
