@@ -139,14 +139,14 @@ struct contact_record {                                          /* 4736 bytes *
     char opaque_4604[132];                             /* 4604 */
 };
 
-struct contact_group_key {
-    int32_t index;    /* 0: key index */
-    int32_t opaque_4; /* 4: carried unchanged, zero on a new record */
+struct contact_group_key { /* 8 bytes */
+    int32_t index;         /* 0: key index */
+    int32_t opaque_4;      /* 4: carried unchanged, zero on a new record */
 };
 
-struct contact_group_record { /* 1352 bytes */
-    struct contact_group_key group_key;
-    char name[CONTACT_GROUP_NAME_MAX + 1]; /*  8 */
+struct contact_group_record {              /* 1352 bytes */
+    struct contact_group_key group_key;    /*  0 */
+    char name[CONTACT_GROUP_NAME_MAX + 1]; /*  8: at most 64 bytes */
     char opaque_73[1279];                  /* 73: carried unchanged, zero on a new record */
 };
 

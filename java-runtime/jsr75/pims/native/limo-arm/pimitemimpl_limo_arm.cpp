@@ -288,12 +288,22 @@ int8_t getContactStringArray(int32_t recindex, int32_t field, int32_t index,
     return went_through;
 }
 
+static int64_t birthday_date(trace_site site, const broken_down_time& birthday)
+{
+    const int64_t date = to_java_date(birthday);
+    PIM_TRACE_AT(site, TRACE_STEP, "birthday year:%d mon:%d mday:%d hour:%d min:%d sec:%d toUTCtime = %lld\n",
+                 birthday.year, birthday.mon, birthday.mday, birthday.hour, birthday.min, birthday.sec,
+                 static_cast<long long>(date / 1000));
+    return date;
+}
+
 int64_t getContactDate(int32_t recindex, int32_t field, int32_t index)
 {
+    const trace_site site = trace_here();
     PIM_TRACE(TRACE_STEP, "getContactDate recindex = %d field = %d index = %d\n", recindex, field, index);
-    return read_contact<int64_t>(trace_here(), recindex, {.opening = -1, .fetching = 0, .closing = -1},
+    return read_contact<int64_t>(site, recindex, {.opening = -1, .fetching = 0, .closing = -1},
                                  [&](const contact_record& contact) -> int64_t {
-                                     if (field == CONTACT_BIRTHDAY) return to_java_date(contact.birthday);
+                                     if (field == CONTACT_BIRTHDAY) return birthday_date(site, contact.birthday);
                                      if (field == CONTACT_REVISION) return to_java_date(contact.save_time);
                                      return 0;
                                  });
