@@ -47,6 +47,8 @@ final class VcardImport {
     private static final int[] ADDRESS_BYTES = {65, 128, 128, 128, 128, 40, 64};
     private static final int CATEGORY_BYTES = 63;
 
+    private static final int MOST_CONTACTS = 10_000;
+
     /** Dates are kept in 32-bit seconds. */
     private static final long EARLIEST_MS = Integer.MIN_VALUE * 1000L;
     private static final long LATEST_MS = Integer.MAX_VALUE * 1000L;
@@ -95,7 +97,8 @@ final class VcardImport {
         request.addCategories();
         try {
             if (request.commit.commit(device.items, LIST, PIMCodes.NO_RECORD) == PIMCodes.NO_RECORD) {
-                result.refused.add(request.who + ": the store did not take it");
+                boolean full = device.records(LIST).size() >= MOST_CONTACTS;
+                result.refused.add(request.who + (full ? ": the list is full" : ": the store did not take it"));
                 return;
             }
         } catch (PIMException e) {
