@@ -58,7 +58,7 @@ enum org_repeat_term {
 enum org_db_error {
     ORG_ERR_RECORD_NOT_FOUND = 6,
     ORG_ERR_FULL = 102,             /* ORG_RECORD_MAX records are there */
-    ORG_ERR_INVALID_ARGUMENT = 103, /* a null pointer, a negative count, a record type other than the two */
+    ORG_ERR_INVALID_ARGUMENT = 103, /* a null pointer, a negative count, another record type, an over-long text */
     ORG_ERR_NO_MEMORY = 104,
     ORG_ERR_FOLDER = 105,    /* the store's folder is missing and cannot be made */
     ORG_ERR_READ_ONLY = 106, /* the folder or the file cannot be written */
