@@ -1,15 +1,12 @@
 // Opening and closing store connections: native_function_initialize and native_function_finalize.
 #include "pimutil.h"
 
-#include <cstdlib>
-#include <cstring>
+#include <iterator>
 
 #include "unit_test.h"
 
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
-using testing::Field;
 using testing::IsEmpty;
 
 namespace {

@@ -55,6 +55,13 @@ MATCHER_P3(trace, severity, format, text, "")
     return arg.severity == severity && arg.format == format && arg.text == text;
 }
 
+// The same, whatever the severity: for messages that no rule gives one.
+MATCHER_P2(traced, format, text, "")
+{
+    (void)result_listener;
+    return arg.format == format && arg.text == text;
+}
+
 // One message with this severity and a text that holds no arguments: the format is the text.
 inline auto trace_line(int severity, const std::string& text)
 {
@@ -71,6 +78,16 @@ MATCHER_P3(assertion, function, what, error, "")
            arg.format == ">>[ASSERT][%s][%d]" + step + " fail(%d)\n\n" &&
            arg.text == ">>[ASSERT][" + name + "][" + std::to_string(arg.line) + "]" + step + " fail(" +
                            std::to_string(error) + ")\n\n";
+}
+
+// The failed close of the connection. Its error is the function's own word, which the closing does not write.
+MATCHER_P(failed_close, function, "")
+{
+    (void)result_listener;
+    const std::string name = function;
+    const std::string start = ">>[ASSERT][" + name + "][" + std::to_string(arg.line) + "]final fail(";
+    return arg.severity == TRACE_HARD && arg.function == name && arg.text.starts_with(start) &&
+           arg.format == ">>[ASSERT][%s][%d]final fail(%d)\n\n";
 }
 
 MATCHER_P2(exception, class_name, message, "")
