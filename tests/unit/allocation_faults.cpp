@@ -1,6 +1,7 @@
 #include "allocation_faults.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <set>
@@ -17,6 +18,7 @@ int32_t __real_native_function_initialize(int32_t listtype, org_full_record* rec
 void* __wrap_malloc(size_t size);
 void* __wrap_calloc(size_t count, size_t size);
 void* __wrap_realloc(void* block, size_t size);
+char* __wrap_strdup(const char* text);
 void __wrap_free(void* block);
 int32_t __wrap_native_function_initialize(int32_t listtype, org_full_record* record, int32_t* error);
 }
@@ -84,6 +86,14 @@ void* __wrap_realloc(void* block, size_t size)
     if (should_fail(size)) return nullptr;
     forget(block);
     return tracked(__real_realloc(block, size));
+}
+
+// libc's own would take its block behind the seam.
+char* __wrap_strdup(const char* text)
+{
+    const size_t size = std::strlen(text) + 1;
+    auto* copy = static_cast<char*>(__wrap_malloc(size));
+    return copy != nullptr ? static_cast<char*>(std::memcpy(copy, text, size)) : nullptr;
 }
 
 void __wrap_free(void* block)

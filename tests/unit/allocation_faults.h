@@ -11,7 +11,7 @@
 // Forgets tracked blocks, lets every allocation succeed.
 void reset_allocations();
 
-// The `nth` allocation from now on fails, counted from 1; malloc, calloc and realloc count alike.
+// The `nth` allocation from now on fails, counted from 1; malloc, calloc, realloc and strdup count alike.
 void fail_allocation(int nth);
 // Every allocation of exactly `size` bytes fails from now on.
 void fail_allocations_of(size_t size);
