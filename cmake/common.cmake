@@ -45,6 +45,7 @@ target_compile_options(
             -Wno-format-nonliteral
             -Wundef
             -Wcast-align
+            -Wno-psabi # On ARM: notes about how GCC 7 changed passing some templates.
             $<$<COMPILE_LANGUAGE:CXX>:-Wconversion
             -Wnon-virtual-dtor
             -Woverloaded-virtual>)
