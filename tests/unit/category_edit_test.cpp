@@ -461,25 +461,14 @@ TEST_F(DeleteCategory, TracesItsSteps)
 {
     remove("Work", 1);
     EXPECT_THAT(platform.traces.at(0), trace(TRACE_STEP, "%s\n", "pimlistImpl_deleteCategoryN\n"));
-    struct {
-        const char* format;
-        const char* text;
-    } const rows[] = {
-        {"contact_db_service_group_get_count = %d\n", "contact_db_service_group_get_count = 2\n"},
-        {"DB query [%s]\n", "DB query [Work]\n"},
-        {"search group_count is %d\n", "search group_count is 1\n"},
-        {"MATCH!! deleteCategoryName & contact_group_array[i].name (%s)\n",
-         "MATCH!! deleteCategoryName & contact_group_array[i].name (Work)\n"},
-        {"contact_db_service_group_get.contact_group_array[i].group_key.index = %d\n",
-         "contact_db_service_group_get.contact_group_array[i].group_key.index = 4\n"},
-        {"deleteUnassignedItems TRUE, \n", "deleteUnassignedItems TRUE, \n"},
-        {"contact_get_group_members OK\n", "contact_get_group_members OK\n"},
-        {"contact_db_service_contact_delete index = %d\n", "contact_db_service_contact_delete index = 1\n"},
-        {"contact_db_service_contact_delete index = %d\n", "contact_db_service_contact_delete index = 2\n"},
-        {"deleting group name= %s\n", "deleting group name= Work\n"},
-        {"contact_db_service_group_delete succeed\n", "contact_db_service_group_delete succeed\n"},
-    };
-    for (const auto& row : rows) EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, row.format, row.text)));
+    for (const char* text :
+         {"contact_db_service_group_get_count = 2\n", "DB query [Work]\n", "search group_count is 1\n",
+          "MATCH!! deleteCategoryName & contact_group_array[i].name (Work)\n",
+          "contact_db_service_group_get.contact_group_array[i].group_key.index = 4\n", "deleteUnassignedItems TRUE, \n",
+          "contact_get_group_members OK\n", "contact_db_service_contact_delete index = 1\n",
+          "contact_db_service_contact_delete index = 2\n", "deleting group name= Work\n",
+          "contact_db_service_group_delete succeed\n"})
+        EXPECT_THAT(platform.traces, Contains(trace_text(TRACE_STEP, text)));
 }
 
 TEST_F(DeleteCategory, RefusesWhatCannotBeACategory)

@@ -467,6 +467,12 @@ jobject fake_jni::local(java_value value)
     return reference;
 }
 
+void fake_jni::leave_native()
+{
+    arguments_.merge(locals_);
+    locals_.clear();
+}
+
 java_value fake_jni::value_of(jobject reference) const
 {
     if (const auto found = locals_.find(reference); found != locals_.end()) return found->second;

@@ -84,6 +84,10 @@ public:
     std::vector<std::string> violations; // What -Xcheck:jni would complain about, and changes to the machine's memory.
     size_t local_reference_peak = 0;
 
+    // The native has returned to Java: its local references are gone, what it handed back is the test's. For tests
+    // that call many natives on one machine.
+    void leave_native();
+
     // Characters and elements that were taken and not released.
     size_t unreleased() const { return borrowed_.size(); }
 

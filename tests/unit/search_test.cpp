@@ -241,8 +241,9 @@ TEST_F(NextRecordWithMatch, DoesNotLookAtTheHomePage)
     add_contacts({{5, "Jones"}});
     EXPECT_EQ(next(LIST_CONTACT, -1, "page"), -1);
     EXPECT_THAT(platform.traces,
-                Contains(trace(TRACE_STEP, "contact_record->homepage_info[0].homepage------%s\tmatching str:%s\n",
-                               "contact_record->homepage_info[0].homepage------HTTP://PAGE\tmatching str:page\n")));
+                Contains(trace_text(TRACE_STEP,
+                                    "contact_record->homepage_info[0].homepage------HTTP://PAGE\tmatching "
+                                    "str:page\n")));
 }
 
 TEST_F(NextRecordWithMatch, LowerCasesTheMatchStringInPlace)
@@ -536,12 +537,11 @@ TEST_F(MatchingContact, TracesEveryTextBeforeTestingIt)
     EXPECT_EQ(matching("Needle", nothing), 0);
     ASSERT_EQ(platform.traces.size(), std::size(CONTACT_TEXTS) + 1);
     EXPECT_THAT(platform.traces.front(),
-                AllOf(trace(TRACE_STEP, "contact_record->name_info.first_name ------%s\tmatching str:%s\n",
-                            "contact_record->name_info.first_name ------GIVEN\tmatching str:Needle\n"),
+                AllOf(trace_text(TRACE_STEP, "contact_record->name_info.first_name ------GIVEN\tmatching str:Needle\n"),
                       Field(&trace_message::function, "matchingContact")));
-    EXPECT_THAT(platform.traces.back(),
-                trace(TRACE_STEP, "contact_record->homepage_info[0].homepage------%s\tmatching str:%s\n",
-                      "contact_record->homepage_info[0].homepage------HTTP://PAGE\tmatching str:needle\n"));
+    EXPECT_THAT(
+        platform.traces.back(),
+        trace_text(TRACE_STEP, "contact_record->homepage_info[0].homepage------HTTP://PAGE\tmatching str:needle\n"));
     EXPECT_THAT(platform.traces, Each(Field(&trace_message::severity, TRACE_STEP)));
 }
 

@@ -55,7 +55,15 @@ MATCHER_P3(trace, severity, format, text, "")
     return arg.severity == severity && arg.format == format && arg.text == text;
 }
 
-// The same, whatever the severity: for messages that no rule gives one.
+// One message with this severity and text, however it is put together: for texts that a store may leave unterminated
+// and that are therefore formatted with a precision.
+MATCHER_P2(trace_text, severity, text, "")
+{
+    (void)result_listener;
+    return arg.severity == severity && arg.text == text;
+}
+
+// The same as `trace`, whatever the severity: for messages that no rule gives one.
 MATCHER_P2(traced, format, text, "")
 {
     (void)result_listener;
