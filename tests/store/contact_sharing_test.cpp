@@ -152,7 +152,7 @@ TEST_F(ContactSharing, AKilledWriterLosesNothingThatHadReturned)
         int index = 0;
         ASSERT_TRUE(committed.receive(index));
         promised.push_back(index);
-        usleep(random() % 20000);
+        usleep(static_cast<useconds_t>(random() % 20000));
         writer.kill();
         EXPECT_EQ(writer.wait(), -1);
         while (committed.receive(index)) promised.push_back(index);

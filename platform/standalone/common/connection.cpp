@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <thread>
+
 namespace pim_store {
 
 statement::~statement()
@@ -36,16 +38,28 @@ void statement::bind_one(int position, byte_view bytes)
         prepared_.bind(position, bytes.data(), static_cast<int>(bytes.size()));
 }
 
-connection::connection(const std::filesystem::path& file)
-    : database_(file.c_str(), SQLite::OPEN_READWRITE, static_cast<int>(lock_patience.count()))
+connection::connection(const std::filesystem::path& file) : database_(file.c_str(), SQLite::OPEN_READWRITE)
 {
     try {
+        database_.check(sqlite3_busy_handler(handle(), wait_for_lock, this));
         database_.exec("PRAGMA journal_mode = WAL");
         database_.exec("PRAGMA synchronous = FULL");
         database_.exec("PRAGMA foreign_keys = ON");
     } catch (const SQLite::Exception& exception) {
         throw failure(exception);
     }
+}
+
+// SQLite's own busy wait sleeps ever longer, up to 100 ms, and then hardly ever meets the moment in which a process
+// that writes without pause holds no lock.
+int connection::wait_for_lock(void* self, int tries)
+{
+    auto& waiting = *static_cast<connection*>(self);
+    const auto now = std::chrono::steady_clock::now();
+    if (tries == 0) waiting.waiting_since_ = now;
+    if (now - waiting.waiting_since_ >= lock_patience) return 0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return 1;
 }
 
 statement connection::prepare(const char* sql)

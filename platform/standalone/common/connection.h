@@ -64,6 +64,8 @@ class connection {
 public:
     // Opens an existing store file for reading and writing.
     explicit connection(const std::filesystem::path& file);
+    connection(const connection&) = delete;
+    connection& operator=(const connection&) = delete;
 
     // The statement for `sql`, a constant, which is prepared at its first use.
     statement prepare(const char* sql);
@@ -77,7 +79,10 @@ public:
     sqlite3* handle() const { return database_.getHandle(); }
 
 private:
+    static int wait_for_lock(void* self, int tries);
+
     SQLite::Database database_;
+    std::chrono::steady_clock::time_point waiting_since_;
     std::unordered_map<const char*, SQLite::Statement> statements_;
 };
 

@@ -7,14 +7,15 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <shared_mutex>
 #include <utility>
+#include <vector>
 
 #include "common/change_watch.h"
 #include "common/connection.h"
 #include "common/database_file.h"
-#include "common/process_fork.h"
 #include "common/store_error.h"
 #include "common/store_folder.h"
 
@@ -74,10 +75,19 @@ public:
         : folder_(std::move(folder)), file_(folder_ / layout.file_name), layout_(layout), method_(method)
     {}
 
+    snapshot_store(const snapshot_store&) = delete;
+    snapshot_store& operator=(const snapshot_store&) = delete;
+    ~snapshot_store()
+    {
+        while (!connections_.empty()) leave(*connections_.back());
+    }
+
     // Opens the calling thread's connection, which stays open until the thread ends.
     void connect()
     {
-        if (!own_connection_is_open()) open_own_connection();
+        if (own().store == this && own().is_open.load(std::memory_order_relaxed)) return;
+        const std::lock_guard loading(loading_);
+        own_connection();
     }
 
     // Answers from memory: `look(const Contents&)` returns `answered` when it has copied out what it wants, or the
@@ -98,10 +108,9 @@ public:
     template <typename Change>
     void write(Change&& change)
     {
-        connect();
         const std::unique_lock writing(writing_, lock_patience);
         if (!writing) throw store_failure(store_error::locked);
-        connection& mine = own_connection();
+        connection& mine = writers_connection();
         try {
             transaction work(mine, transaction::purpose::writing, layout_.version());
             require_whole_file(mine);
@@ -121,27 +130,53 @@ public:
         const std::unique_lock loading(loading_, std::try_to_lock);
         if (!loading) return;
         const std::unique_lock changing(contents_lock_, std::try_to_lock);
-        if (!changing) return;
-        contents_ = Contents();
-        tag_.reset();
-        watch_.reset();
+        if (changing) forget();
     }
 
-    // Belongs to the process that made it; a forked child makes its own.
-    bool is_of_this_process() const { return generation_ == fork_generation(); }
+    // SQLite's state of a file must not cross a fork, since locks do not. Around one, nobody is in the middle of
+    // anything and nothing is open; parent and child open again at their next call.
+    void before_fork()
+    {
+        writing_.lock();
+        loading_.lock();
+        for (thread_connection* each : connections_) each->close();
+        const std::unique_lock changing(contents_lock_);
+        forget();
+    }
+    void after_fork_in_parent()
+    {
+        loading_.unlock();
+        writing_.unlock();
+    }
+    void after_fork_in_child()
+    {
+        connections_.clear(); // The other threads have stayed behind, and perhaps some with the shared lock.
+        own().store = nullptr;
+        new (&contents_lock_) snapshot_lock;
+        after_fork_in_parent();
+    }
 
 private:
-    // A thread's connection, with the store and the process that it belongs to.
+    // A thread's connection to the store that it last called.
     struct thread_connection {
-        const void* store = nullptr;
-        unsigned generation = 0;
-        std::unique_ptr<connection> opened;
+        snapshot_store* store = nullptr;
+        std::unique_ptr<connection> opened; // Guarded by loading_ or, for its own thread, writing_.
+        std::atomic<bool> is_open = false;
 
-        ~thread_connection() { reset(); }
-
-        void reset()
+        ~thread_connection()
         {
-            if (generation != fork_generation()) static_cast<void>(opened.release()); // It is the parent's.
+            if (store) store->leave(*this);
+        }
+
+        void open(const std::filesystem::path& file)
+        {
+            opened = std::make_unique<connection>(file);
+            is_open = true;
+        }
+
+        void close()
+        {
+            is_open = false;
             opened.reset();
         }
     };
@@ -152,25 +187,40 @@ private:
         return own;
     }
 
-    bool own_connection_is_open() const
+    void leave(thread_connection& leaving)
     {
-        const thread_connection& mine = own();
-        return mine.opened && mine.store == this && mine.generation == generation_;
+        const std::lock_guard loading(loading_);
+        leaving.close();
+        leaving.store = nullptr;
+        std::erase(connections_, &leaving);
     }
 
-    connection& own_connection() { return *own().opened; }
-
-    void open_own_connection()
+    // Needs `loading_`.
+    connection& own_connection()
     {
-        {
-            const std::lock_guard loading(loading_);
-            open_watch();
-        }
+        open_watch();
         thread_connection& mine = own();
-        mine.reset();
-        mine.opened = std::make_unique<connection>(file_);
-        mine.store = this;
-        mine.generation = generation_;
+        if (mine.store != this) {
+            if (mine.store) mine.store->leave(mine);
+            connections_.push_back(&mine);
+            mine.store = this;
+        }
+        if (!mine.opened) mine.open(file_);
+        return *mine.opened;
+    }
+
+    connection& writers_connection()
+    {
+        const std::lock_guard loading(loading_);
+        return own_connection();
+    }
+
+    // Needs all locks.
+    void forget()
+    {
+        contents_ = Contents();
+        tag_.reset();
+        watch_.reset();
     }
 
     // Needs `loading_`. The first one of a process makes, recognises and upgrades the file.
@@ -190,11 +240,9 @@ private:
     template <typename Look>
     void read_loading(Look& look)
     {
-        connect();
         const std::lock_guard loading(loading_);
-        open_watch();
-        if (is_current() && look(std::as_const(contents_)) == answered) return;
         connection& mine = own_connection();
+        if (is_current() && look(std::as_const(contents_)) == answered) return;
         try {
             while (!load_and_look(mine, look)) {}
         } catch (const SQLite::Exception& exception) {
@@ -259,13 +307,13 @@ private:
     const std::filesystem::path file_;
     const database_layout& layout_;
     const change_watch::method method_;
-    const unsigned generation_ = fork_generation();
 
-    std::timed_mutex
-        writing_; // One writer of this process at a time; the others queue here and not in SQLite's busy wait.
+    // One writer of this process at a time; the others queue here and not in SQLite's busy wait.
+    std::timed_mutex writing_;
     bool found_whole_ = false;    // Guarded by writing_.
     std::mutex loading_;          // Taken after writing_.
     snapshot_lock contents_lock_; // Taken after loading_. Shared: look; exclusive, by holders of loading_: change.
+    std::vector<thread_connection*> connections_; // Guarded by loading_, as long as their threads live.
     std::unique_ptr<change_watch> watch_;
     std::optional<change_mark> tag_; // None: nothing is loaded.
     Contents contents_;
@@ -276,22 +324,17 @@ private:
 template <typename Contents>
 snapshot_store<Contents>& process_store(const database_layout& layout)
 {
-    static std::atomic<snapshot_store<Contents>*> current = nullptr;
-    struct closing_at_exit {
-        ~closing_at_exit()
-        {
-            if (auto* store = current.load(); store && store->is_of_this_process()) store->close();
-        }
-    };
-
-    auto* store = current.load(std::memory_order_acquire);
-    if (store && store->is_of_this_process()) return *store;
-
-    // A forked child abandons the parent's store as it is: other threads may have been in the middle of it.
-    static const closing_at_exit closing;
-    auto made = std::make_unique<snapshot_store<Contents>>(store_folder(), layout);
-    if (current.compare_exchange_strong(store, made.get(), std::memory_order_acq_rel)) return *made.release();
-    return *store;
+    static snapshot_store<Contents>* made = nullptr;
+    static auto& store = [&layout]() -> snapshot_store<Contents>& {
+        made = new snapshot_store<Contents>(store_folder(), layout);
+        pthread_atfork([] { made->before_fork(); }, [] { made->after_fork_in_parent(); },
+                       [] { made->after_fork_in_child(); });
+        static const struct closing_at_exit {
+            ~closing_at_exit() { made->close(); }
+        } closing;
+        return *made;
+    }();
+    return store;
 }
 
 } // namespace pim_store
