@@ -56,7 +56,7 @@ protected:
     {
         const std::string before = content_of(file());
         EXPECT_THAT(codes(), Each(Eq(code)));
-        EXPECT_EQ(content_of(file()), before);
+        EXPECT_TRUE(content_of(file()) == before);
     }
 };
 
@@ -204,7 +204,7 @@ TEST_F(ContactErrors, AFileThatCannotBeWritten)
     const std::string before = content_of(file());
     EXPECT_EQ(as_ordinary_user([] { return code_of_connect(); }), CONTACT_ERROR_READ_ONLY);
     EXPECT_EQ(as_ordinary_user([] { return code_of_add(); }), CONTACT_ERROR_READ_ONLY);
-    EXPECT_EQ(content_of(file()), before);
+    EXPECT_TRUE(content_of(file()) == before);
 }
 
 // Lets no file of this process grow past `size` bytes, which is what a full disk looks like.
@@ -288,16 +288,16 @@ TEST_F(ContactErrors, AStoreOfANewerVersion)
 TEST_F(ContactErrors, ATruncatedStore)
 {
     make_store(50);
-    const auto size = fs::file_size(file());
-    for (const auto kept : {size / 2, size - 4096, size - 1, uintmax_t{4096}, uintmax_t{1000}}) {
-        const std::string whole = content_of(file());
-        fs::resize_file(file(), kept);
-        const std::string before = content_of(file());
+    const std::string whole = content_of(file());
+    for (const size_t kept : {whole.size() / 2, whole.size() - 4096, size_t{4096}, size_t{1000}, size_t{50}}) {
+        const std::string cut = whole.substr(0, kept);
+        fs::remove_all(store_home());
+        fs::create_directory(store_home());
+        write_file(file(), cut);
         const int code = child_process([] { return code_of_add(); }).wait();
-        // Less than a header cannot be told from a file that never was a store.
-        EXPECT_EQ(code, kept < 4096 ? CONTACT_ERROR_FOREIGN : CONTACT_ERROR_CORRUPT) << kept;
-        EXPECT_EQ(content_of(file()), before) << kept;
-        write_file(file(), whole);
+        // What is shorter than a header cannot be told from a file that never was a store.
+        EXPECT_EQ(code, kept < 100 ? CONTACT_ERROR_FOREIGN : CONTACT_ERROR_CORRUPT) << kept;
+        EXPECT_TRUE(content_of(file()) == cut) << kept;
     }
 }
 
@@ -314,7 +314,7 @@ TEST_F(ContactErrors, ADamagedPageStopsWritersBeforeTheyWrite)
         // A page may lie free, and its bytes mean nothing then.
         if (code == 0) continue;
         EXPECT_EQ(code, CONTACT_ERROR_CORRUPT) << page;
-        EXPECT_EQ(content_of(file()), damaged) << page;
+        EXPECT_TRUE(content_of(file()) == damaged) << page;
         ++refused;
     }
     EXPECT_GT(refused, 5);
@@ -327,7 +327,7 @@ TEST_F(ContactErrors, DamageThatAReaderMeets)
     std::fill(damaged.begin() + 4096, damaged.end(), '\xff');
     write_file(file(), damaged);
     EXPECT_EQ(code_of_count(), CONTACT_ERROR_CORRUPT);
-    EXPECT_EQ(content_of(file()), damaged);
+    EXPECT_TRUE(content_of(file()) == damaged);
 }
 
 TEST_F(ContactErrors, ARestThatDoesNotFitItsRecord)

@@ -79,7 +79,7 @@ TEST_F(DatabaseFile, OfANewerVersionIsRefusedAndUntouched)
     prepare_database(file, version_3);
     const std::string before = content_of(file);
     EXPECT_EQ(code_of_preparing(version_1), static_cast<int>(store_error::newer_schema));
-    EXPECT_EQ(content_of(file), before);
+    EXPECT_TRUE(content_of(file) == before);
 }
 
 TEST_F(DatabaseFile, OfAnotherApplicationIsRefusedAndUntouched)
@@ -87,7 +87,7 @@ TEST_F(DatabaseFile, OfAnotherApplicationIsRefusedAndUntouched)
     SQLite::Database(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec("CREATE TABLE pet (name TEXT)");
     const std::string before = content_of(file);
     EXPECT_EQ(code_of_preparing(version_1), static_cast<int>(store_error::foreign));
-    EXPECT_EQ(content_of(file), before);
+    EXPECT_TRUE(content_of(file) == before);
 }
 
 TEST_F(DatabaseFile, IsMadeOnceByManyAtOnce)

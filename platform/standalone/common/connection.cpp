@@ -6,6 +6,25 @@
 
 namespace pim_store {
 
+// The errno that a file of SQLite's keeps of its last failing system call, 0 without one.
+static int last_system_error(sqlite3* database, int which_file)
+{
+    sqlite3_file* file = nullptr;
+    int system_error = 0;
+    if (sqlite3_file_control(database, "main", which_file, &file) == SQLITE_OK && file && file->pMethods)
+        file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &system_error);
+    return system_error;
+}
+
+store_failure failure_of(const SQLite::Database& database, const SQLite::Exception& exception)
+{
+    // Commits go to the log first, so that it is what meets a full disk.
+    int system_error = last_system_error(database.getHandle(), SQLITE_FCNTL_JOURNAL_POINTER);
+    if (system_error == 0) system_error = last_system_error(database.getHandle(), SQLITE_FCNTL_FILE_POINTER);
+    if (system_error == 0) system_error = sqlite3_system_errno(database.getHandle());
+    return failure_of(exception.getExtendedErrorCode(), system_error);
+}
+
 statement::~statement()
 {
     prepared_.tryReset();
@@ -73,11 +92,6 @@ int32_t connection::number(const char* sql)
 {
     statement query = prepare(sql);
     return query.step() ? query.integer(0) : 0;
-}
-
-store_failure connection::failure(const SQLite::Exception& exception) const
-{
-    return failure_of(exception.getExtendedErrorCode(), sqlite3_system_errno(handle()));
 }
 
 transaction::transaction(connection& over, purpose what_for, int32_t version) : connection_(over)

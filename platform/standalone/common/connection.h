@@ -21,6 +21,9 @@ namespace pim_store {
 // How long a call waits for another process before it fails with LOCKED.
 inline constexpr std::chrono::milliseconds lock_patience{5000};
 
+// The failure behind an exception of this database.
+store_failure failure_of(const SQLite::Database& database, const SQLite::Exception& exception);
+
 // One run of a prepared statement; ends, and unbinds everything, with the scope.
 class statement {
 public:
@@ -73,8 +76,7 @@ public:
     // The first column of the first row of `sql`, a constant; 0 when there is no row.
     int32_t number(const char* sql);
 
-    // The failure behind an exception of this connection.
-    store_failure failure(const SQLite::Exception& exception) const;
+    store_failure failure(const SQLite::Exception& exception) const { return failure_of(database_, exception); }
 
     sqlite3* handle() const { return database_.getHandle(); }
 

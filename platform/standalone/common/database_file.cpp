@@ -70,7 +70,7 @@ static void write_schema(const std::string& file, const database_layout& layout)
         creation.commit();
         database.exec("PRAGMA journal_mode = WAL");
     } catch (const SQLite::Exception& exception) {
-        throw failure_of(exception.getExtendedErrorCode(), sqlite3_system_errno(database.getHandle()));
+        throw failure_of(database, exception);
     }
 }
 
@@ -99,7 +99,7 @@ static int32_t recognise(const fs::path& file, const database_layout& layout)
         if (version < 1) throw store_failure(store_error::foreign);
         return version;
     } catch (const SQLite::Exception& exception) {
-        throw failure_of(exception.getExtendedErrorCode(), sqlite3_system_errno(database.getHandle()));
+        throw failure_of(database, exception);
     }
 }
 
@@ -115,7 +115,7 @@ static void upgrade(const fs::path& file, const database_layout& layout)
         if (version < layout.version()) set_version(database, layout.version());
         upgrading.commit();
     } catch (const SQLite::Exception& exception) {
-        throw failure_of(exception.getExtendedErrorCode(), sqlite3_system_errno(database.getHandle()));
+        throw failure_of(database, exception);
     }
 }
 
