@@ -97,32 +97,38 @@ void set_image(org_full_record& record, const record_image& image)
 
 // ---- Record in memory -----------------------------------------------------------------------------------------------
 
-// A block is the image and then, one behind the other, the texts, each with its terminator.
+// A block is this head, the image and then, one behind the other, the texts.
+using text_sizes = std::array<uint16_t, text_count>;
+static constexpr size_t texts_start = sizeof(text_sizes) + record_image_size;
+
 kept_record::kept_record(const org_full_record& record, const record_texts& texts)
 {
-    record_texts kept;
-    size_t size = record_image_size;
+    text_sizes sizes;
+    size_t size = texts_start;
     for (size_t i = 0; i < text_count; ++i) {
-        kept[i] = texts[i].substr(0, std::min(texts[i].find('\0'), text_fields[i].limit));
-        size += kept[i].size() + 1;
+        sizes[i] =
+            static_cast<uint16_t>(std::min(texts[i].find('\0'), std::min(texts[i].size(), text_fields[i].limit)));
+        size += sizes[i];
     }
     block_ = std::make_unique_for_overwrite<std::byte[]>(size);
-    copy_image(block_.get(), record);
-    char* at = reinterpret_cast<char*>(block_.get() + record_image_size);
-    for (const std::string_view text : kept) {
-        at = std::copy(text.begin(), text.end(), at);
-        *at++ = '\0';
-    }
+    memcpy(block_.get(), &sizes, sizeof sizes);
+    copy_image(block_.get() + sizeof sizes, record);
+    char* at = reinterpret_cast<char*>(block_.get() + texts_start);
+    for (size_t i = 0; i < text_count; ++i) at = std::copy_n(texts[i].begin(), sizes[i], at);
 }
 
 void kept_record::copy_to(org_full_record& record) const
 {
-    copy_image(record, block_.get());
-    const char* text = reinterpret_cast<const char*>(block_.get() + record_image_size);
-    for (const auto& [pointer, limit] : text_fields) {
-        const size_t size = strlen(text) + 1;
-        if (char* buffer = record.*pointer) memcpy(buffer, text, size);
-        text += size;
+    text_sizes sizes;
+    memcpy(&sizes, block_.get(), sizeof sizes);
+    copy_image(record, block_.get() + sizeof sizes);
+    const char* text = reinterpret_cast<const char*>(block_.get() + texts_start);
+    for (size_t i = 0; i < text_count; ++i) {
+        if (char* buffer = record.*text_fields[i].pointer) {
+            if (sizes[i] != 0) memcpy(buffer, text, sizes[i]); // Most are empty.
+            buffer[sizes[i]] = '\0';
+        }
+        text += sizes[i];
     }
 }
 
