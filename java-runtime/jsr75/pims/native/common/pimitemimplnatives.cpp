@@ -271,15 +271,15 @@ static bool take_texts(JNIEnv* env, const commit_arguments& arguments, jint entr
     return true;
 }
 
-// The elements of an array that may be null; false when they cannot be had.
+// The elements of arrays that may be null; false when they cannot be had. Whichever cannot leaves an exception pending,
+// with which no others may be asked for.
 static bool take_elements(JNIEnv* env, const commit_arguments& arguments, commit_buffers* held)
 {
-    if (arguments.ints != nullptr) held->ints = env->GetIntArrayElements(arguments.ints, nullptr);
-    if (arguments.bytes != nullptr) held->bytes = env->GetByteArrayElements(arguments.bytes, nullptr);
-    if (arguments.longs != nullptr) held->longs = env->GetLongArrayElements(arguments.longs, nullptr);
-    return (arguments.ints == nullptr || held->ints != nullptr) &&
-           (arguments.bytes == nullptr || held->bytes != nullptr) &&
-           (arguments.longs == nullptr || held->longs != nullptr);
+    if (arguments.ints != nullptr && (held->ints = env->GetIntArrayElements(arguments.ints, nullptr)) == nullptr)
+        return false;
+    if (arguments.bytes != nullptr && (held->bytes = env->GetByteArrayElements(arguments.bytes, nullptr)) == nullptr)
+        return false;
+    return arguments.longs == nullptr || (held->longs = env->GetLongArrayElements(arguments.longs, nullptr)) != nullptr;
 }
 
 // Whether element 0 of the categories says `numcats`, and as many names follow it.
