@@ -74,9 +74,12 @@ int32_t EventListImpl_nextSortedEventN(int64_t after, int32_t** found)
     }
     keep_matching_starts(trace_here(), earliest, &record, *found);
 
-    const int32_t result = close_connection(trace_here(), LIST_EVENT, &record, error, earliest.count, -1);
-    PIM_TRACE(TRACE_STEP, "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is %d\n", result);
-    return result;
+    if (native_function_finalize(LIST_EVENT, &record) != 1) {
+        PIM_TRACE_ASSERT("final", error);
+        return -1;
+    }
+    PIM_TRACE(TRACE_STEP, "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is %d\n", earliest.count);
+    return earliest.count;
 }
 
 // ---- Repeat rules ---------------------------------------------------------------------------------------------------
