@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <ostream>
+#include <string>
 #include <string_view>
 
 #include "contact_db_service.h"
@@ -53,6 +54,31 @@ inline broken_down_time local_time(int32_t year, int32_t month, int32_t day, int
 inline broken_down_time refused_time()
 {
     return local_time(2100, 1, 1);
+}
+
+// The bytes of fields, one after the other.
+template <typename... Fields>
+std::string joined_bytes(const Fields&... fields)
+{
+    return (std::string(reinterpret_cast<const char*>(&fields), sizeof fields) + ...);
+}
+
+// Everything in a record but its pointers and what a machine may put between the fields.
+inline std::string bytes_of(const contact_record& contact)
+{
+    return joined_bytes(contact.index, contact.opaque_4, contact.name_info, contact.nickname, contact.job_title,
+                        contact.opaque_661, contact.company_name, contact.homepage_info, contact.opaque_2288,
+                        contact.birthday, contact.opaque_2524, contact.membership, contact.save_time,
+                        contact.opaque_4092, contact.phone_count, contact.email_count, contact.note_size,
+                        contact.postal_count, contact.opaque_4604);
+}
+
+inline std::string bytes_of(const org_full_record& item)
+{
+    return joined_bytes(item.index, item.kind, item.opaque_8, item.opaque_24, item.start_date_time, item.end_date_time,
+                        item.alarm_time, item.opaque_164, item.opaque_176, item.repeat_term, item.repeat_interval,
+                        item.opaque_188, item.repeat_end_or_due, item.opaque_236, item.last_modified_time,
+                        item.opaque_300, item.completed, item.priority, item.opaque_312, item.opaque_352);
 }
 
 inline bool operator==(const broken_down_time& left, const broken_down_time& right)
