@@ -275,11 +275,19 @@ static bool take_texts(JNIEnv* env, const commit_arguments& arguments, jint entr
 // with which no others may be asked for.
 static bool take_elements(JNIEnv* env, const commit_arguments& arguments, commit_buffers* held)
 {
-    if (arguments.ints != nullptr && (held->ints = env->GetIntArrayElements(arguments.ints, nullptr)) == nullptr)
-        return false;
-    if (arguments.bytes != nullptr && (held->bytes = env->GetByteArrayElements(arguments.bytes, nullptr)) == nullptr)
-        return false;
-    return arguments.longs == nullptr || (held->longs = env->GetLongArrayElements(arguments.longs, nullptr)) != nullptr;
+    if (arguments.ints != nullptr) {
+        held->ints = env->GetIntArrayElements(arguments.ints, nullptr);
+        if (held->ints == nullptr) return false;
+    }
+    if (arguments.bytes != nullptr) {
+        held->bytes = env->GetByteArrayElements(arguments.bytes, nullptr);
+        if (held->bytes == nullptr) return false;
+    }
+    if (arguments.longs != nullptr) {
+        held->longs = env->GetLongArrayElements(arguments.longs, nullptr);
+        if (held->longs == nullptr) return false;
+    }
+    return true;
 }
 
 // Whether element 0 of the categories says `numcats`, and as many names follow it.
