@@ -722,8 +722,9 @@ static int32_t delete_group(trace_site site, const char* name, bool with_members
     }
     if (count < 1) return 1;
 
-    copy_text(query, name); // What is too long for a query is too long for a name, too.
+    copy_text(query, name);
     PIM_TRACE_AT(site, TRACE_STEP, "DB query [%s]\n", query);
+    if (std::strlen(name) >= QUERY_SIZE) return 1; // The part that fits might name another group.
     if (!contact_db_service_group_search(0, query, 30, 0, groups.get(), &count, error, 1)) {
         PIM_TRACE_AT(site, TRACE_HARD, "contact_db_service_group_search fail..(%d)\n", *error);
         return 0;
