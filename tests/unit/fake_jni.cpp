@@ -362,7 +362,8 @@ struct fake_jni::functions {
         }
         if (is_copy != nullptr) *is_copy = JNI_TRUE;
         const std::vector<T>& values = *object.*member;
-        return reinterpret_cast<T*>(jni.lend(object, kind, values.data(), values.size() * sizeof(T)));
+        // A malloc() block, so aligned for any element.
+        return static_cast<T*>(static_cast<void*>(jni.lend(object, kind, values.data(), values.size() * sizeof(T))));
     }
 
     static jbyte* JNICALL GetByteArrayElements(JNIEnv* env, jbyteArray array, jboolean* is_copy)
