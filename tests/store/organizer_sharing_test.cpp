@@ -146,10 +146,19 @@ TEST_F(OrganizerSharing, AKilledWriterLosesNothingThatHadReturned)
             return 0;
         });
         done.close_sender();
+        const auto receive_one = [&] {
+            int index = 0;
+            int number = 0;
+            if (!done.receive(index) || !done.receive(number)) return false;
+            promised[index] = number;
+            ++operations;
+            return true;
+        };
+        ASSERT_TRUE(receive_one());
         usleep(static_cast<useconds_t>(random() % 40000));
         writer.kill();
         EXPECT_EQ(writer.wait(), -1);
-        for (int index, number; done.receive(index) && done.receive(number); ++operations) promised[index] = number;
+        while (receive_one()) {}
 
         // At most one more add or update had been done but not yet reported, for each kill.
         int unreported = 0;
@@ -168,7 +177,6 @@ TEST_F(OrganizerSharing, AKilledWriterLosesNothingThatHadReturned)
         EXPECT_EQ(listed.size(), promised.size()) << kill;
         ASSERT_EQ(shell().execAndGet("PRAGMA integrity_check").getString(), "ok") << kill;
     }
-    EXPECT_GT(operations, kills);
     RecordProperty("operations", operations);
 }
 
