@@ -8,6 +8,8 @@
 
 #include "pimutil.h"
 
+// The linker's --wrap makes these names.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 void* __real_malloc(size_t size);
 void* __real_calloc(size_t count, size_t size);
@@ -22,6 +24,7 @@ char* __wrap_strdup(const char* text);
 void __wrap_free(void* block);
 int32_t __wrap_native_function_initialize(int32_t listtype, org_full_record* record, int32_t* error);
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 namespace {
 

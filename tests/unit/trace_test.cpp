@@ -16,6 +16,8 @@ using TraceOfNative = unit_test;
 
 int other_hook_calls = 0;
 
+// The hook's own shape is variadic.
+// NOLINTNEXTLINE(cert-dcl50-cpp)
 __attribute__((format(printf, 6, 7))) int other_hook(const char*, int, const char*, int, int, const char*, ...)
 {
     return ++other_hook_calls;
