@@ -40,8 +40,7 @@ static void look_up(Look&& look)
     });
 }
 
-// ---- Connection
-// ------------------------------------------------------------------------------------------------------
+// ---- Connection ----------------------------------------------------------------------------------------------------
 
 int contact_db_service_connect(int* error)
 {
@@ -54,8 +53,7 @@ int contact_db_service_disconnect(int*)
     return 1;
 }
 
-// ---- Contacts
-// --------------------------------------------------------------------------------------------------------
+// ---- Contacts ------------------------------------------------------------------------------------------------------
 
 int contact_db_service_contact_get_count(int, int* count, int* error)
 {
@@ -204,8 +202,7 @@ int contact_db_service_search_contacts_of_no_group(void*, int, const char*, int,
     });
 }
 
-// ---- Groups
-// ----------------------------------------------------------------------------------------------------------
+// ---- Groups --------------------------------------------------------------------------------------------------------
 
 // Calls `visit(group)` for each group in key order until it returns false.
 template <typename Visit>

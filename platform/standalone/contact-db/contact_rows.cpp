@@ -9,8 +9,7 @@
 
 namespace pim_store {
 
-// ---- Texts
-// -----------------------------------------------------------------------------------------------------------
+// ---- Texts ---------------------------------------------------------------------------------------------------------
 
 // Where a text column lies in a record.
 struct text_field {
@@ -116,8 +115,7 @@ static void insert_entries(connection& file, int32_t record_index, const Entry* 
     }
 }
 
-// ---- Writing
-// ---------------------------------------------------------------------------------------------------------
+// ---- Writing -------------------------------------------------------------------------------------------------------
 
 // A note's block as its text alone makes it: zeros behind the text.
 static std::vector<char> plain_note(std::string_view text, int32_t size)
@@ -228,8 +226,7 @@ int32_t next_record_index(connection& file)
     return lowest_free;
 }
 
-// ---- Reading
-// ---------------------------------------------------------------------------------------------------------
+// ---- Reading -------------------------------------------------------------------------------------------------------
 
 // A contact while its rows come together.
 struct contact_draft {
@@ -365,8 +362,7 @@ std::vector<std::pair<int32_t, packed_contact>> contacts_between(connection& fil
     return contacts;
 }
 
-// ---- Groups
-// ----------------------------------------------------------------------------------------------------------
+// ---- Groups --------------------------------------------------------------------------------------------------------
 
 static contact_group_record plain_group(int32_t key_index, std::string_view name)
 {
