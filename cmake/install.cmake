@@ -3,8 +3,8 @@
 
 set(PIM_STANDALONE_DIR ${CMAKE_INSTALL_LIBDIR}/jsr75-pim/standalone)
 
-# install_library(<target> <folder> <component>) installs a library stripped, and its debug information as
-# <folder>/.debug/<file>.debug, where gdb looks for it.
+# install_library(<target> <folder> <component>) installs a library stripped and without a run path, and its debug
+# information as <folder>/.debug/<file>.debug, where gdb looks for it.
 function(install_library target folder component)
   install(TARGETS ${target} LIBRARY DESTINATION ${folder} COMPONENT ${component})
   install(
@@ -14,6 +14,7 @@ function(install_library target folder component)
       cmake_path(GET installed FILENAME name)
       set(debug \"\${folder}/.debug/\${name}.debug\")
       file(MAKE_DIRECTORY \"\${folder}/.debug\")
+      file(RPATH_REMOVE FILE \"\${installed}\")
       foreach(step
           \"${CMAKE_OBJCOPY};--only-keep-debug;\${installed};\${debug}\"
           \"${CMAKE_STRIP};--strip-unneeded;\${installed}\"
