@@ -324,12 +324,14 @@ int8_t getContactBool(int32_t, int32_t, int32_t)
 
 // ---- Event readers --------------------------------------------------------------------------------------------------
 
-// Copies the text of a field that the record holds; one it does not hold leaves the buffer empty.
+// Copies the text of a field that the record holds; one it does not hold leaves the buffer as it was.
 template <size_t size>
 static void copy_field_text(const org_full_record& record, const organizer_text (&rows)[size], int32_t field,
                             item_text text)
 {
-    if (const organizer_text* row = find_field(rows, field)) copy_text(text, organizer_text_of(record, *row));
+    const organizer_text* row = find_field(rows, field);
+    if (row == nullptr) return;
+    if (const std::string_view value = organizer_text_of(record, *row); !value.empty()) copy_text(text, value);
 }
 
 // 1 when the text or date `field` holds a value, else 0.
