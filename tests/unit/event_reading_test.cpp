@@ -131,6 +131,16 @@ TEST_F(EventString, IsEmptyForFieldsThatAreNoTexts)
     for (int32_t field : {99, 100, 101, 102, 105, 106, 108, 109, 0, -1}) EXPECT_EQ(string_of(field), "") << field;
 }
 
+TEST_F(EventString, LeavesTheBufferAloneForAFieldWithoutText)
+{
+    for (const text_row& row : TEXTS) {
+        SCOPED_TRACE(row.when);
+        char text[ITEM_TEXT_SIZE] = "as it was";
+        EXPECT_EQ(getEventString(1, row.field, 0, text), 1);
+        EXPECT_STREQ(text, "as it was");
+    }
+}
+
 TEST_F(EventString, LeavesTheBufferAloneForARecordThatIsNotThere)
 {
     char text[ITEM_TEXT_SIZE] = "as it was";

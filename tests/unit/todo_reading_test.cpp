@@ -132,6 +132,16 @@ TEST_F(TodoString, IsEmptyForFieldsThatAreNoTexts)
     for (int32_t field : {99, 100, 101, 102, 103, 105, 106, 108, 0, -1}) EXPECT_EQ(string_of(field), "") << field;
 }
 
+TEST_F(TodoString, LeavesTheBufferAloneForAFieldWithoutText)
+{
+    for (const text_row& row : TEXTS) {
+        SCOPED_TRACE(row.when);
+        char text[ITEM_TEXT_SIZE] = "as it was";
+        EXPECT_EQ(getTodoString(1, row.field, 0, text), 1);
+        EXPECT_STREQ(text, "as it was");
+    }
+}
+
 TEST_F(TodoString, LeavesTheBufferAloneForARecordThatIsNotThere)
 {
     char text[ITEM_TEXT_SIZE] = "as it was";
