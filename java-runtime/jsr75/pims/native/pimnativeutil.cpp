@@ -1,5 +1,7 @@
 #include "pimnativeutil.h"
 
+#include <algorithm>
+
 #include "pimcodes.h"
 #include "pimtrace.h"
 
@@ -138,6 +140,6 @@ size_t whole_characters(std::string_view text, size_t limit)
 void copy_text(std::span<char> target, std::string_view text)
 {
     const size_t kept = whole_characters(text, target.size() - 1);
-    std::memcpy(target.data(), text.data(), kept);
+    std::copy_n(text.begin(), kept, target.begin());
     target[kept] = '\0';
 }
