@@ -94,7 +94,7 @@ TEST(TraceHook, TurnsControlCharactersInsideAMessageIntoBlanks)
 
 TEST(TraceHook, WritesLongMessagesWholeAndAtOnce)
 {
-    for (const size_t size : {900, 960, 970, 971, 972, 973, 1000, 1024, 5000, 100000}) {
+    for (const size_t size : {900u, 960u, 970u, 971u, 972u, 973u, 1000u, 1024u, 5000u, 100000u}) {
         std::string message(size, 'x');
         message[size / 2] = '\n';
         std::string line = message + "\n";

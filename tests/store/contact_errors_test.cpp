@@ -219,7 +219,7 @@ static void limit_files(rlim_t size)
 
 TEST_F(ContactErrors, AFullDiskWhileTheStoreIsMade)
 {
-    for (const rlim_t size : {0, 5000, 20000}) {
+    for (const rlim_t size : {0u, 5000u, 20000u}) {
         EXPECT_EQ(child_process([size] {
                       limit_files(size);
                       return code_of_connect();

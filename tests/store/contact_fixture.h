@@ -23,7 +23,7 @@ public:
     ~contact() { contact_db_service_contact_free(this); }
 
     contact_phone& add_phone(std::string_view number);
-    contact_email& add_email(std::string_view email);
+    contact_email& add_email(std::string_view text);
     contact_address& add_address(std::string_view street);
     void set_note(std::string_view block); // The block as it is: a terminator is not added.
 };

@@ -7,7 +7,6 @@
 #include "contact_fixture.h"
 
 using namespace store_test;
-using testing::Each;
 using testing::IsEmpty;
 
 class ContactRecords : public ContactStore {
@@ -185,7 +184,7 @@ TEST_F(ContactRecords, AreReadableWithoutTheLibrary)
     stored.add_email("ada@example.org").type = CONTACT_ENTRY_PRIVATE;
     stored.add_address("St James's Square");
     set_text(stored.homepage_info[2].homepage, "https://example.org");
-    stored.set_note({"a note", 7});
+    stored.set_note({"a note\0", 7});
     stored.birthday = {0, 0, 0, 10, 11, 85, 2, 343, 0};
     const int group = add_group("Friends");
     stored.membership[group] = 1;

@@ -89,7 +89,7 @@ static int mixed_work(unsigned seed, int rounds, const number_pipe& added)
             contact changed = uniform_contact(static_cast<int>(random() % 1000000));
             const int index = own[random() % own.size()];
             wrong += !contact_db_service_contact_update(0, index, &changed, &error);
-            wrong += difference(get(index), changed) != "";
+            wrong += !difference(get(index), changed).empty();
         }
         if (random() % 8 == 0) {
             wrong += !contact_db_service_contact_delete(0, own.back(), 0, 0, &error);

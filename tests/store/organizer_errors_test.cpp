@@ -12,7 +12,6 @@
 using namespace store_test;
 using testing::Each;
 using testing::Eq;
-using testing::IsEmpty;
 
 class OrganizerErrors : public OrganizerStore {
 protected:

@@ -11,7 +11,6 @@
 
 using testing::Contains;
 using testing::Each;
-using testing::ElementsAre;
 using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;

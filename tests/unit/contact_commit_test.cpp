@@ -11,12 +11,9 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
-using testing::AllOf;
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 

@@ -13,7 +13,6 @@
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::Field;
 using testing::IsEmpty;
 using testing::Not;
@@ -39,7 +38,7 @@ protected:
     {
         std::array<char, ITEM_TEXT_SIZE> text = {};
         EXPECT_EQ(getContactString(1, field, index, text), 1);
-        const std::string read(text.data());
+        std::string read(text.data());
         EXPECT_TRUE(std::all_of(text.begin() + static_cast<ptrdiff_t>(read.size()), text.end(),
                                 [](char c) { return c == '\0'; }));
         return read;

@@ -15,7 +15,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace {
 

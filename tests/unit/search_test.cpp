@@ -49,7 +49,7 @@ protected:
     int32_t next(int32_t listtype, int32_t recindex, std::string match)
     {
         const int32_t found = pimlistimpl_nextRecordWithMatchStrN(listtype, 9, recindex, match.data());
-        folded_match = match.c_str();
+        folded_match = match;
         return found;
     }
 

@@ -11,7 +11,6 @@
 #include "todoimp_limo_arm.h"
 #include "unit_test.h"
 
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
