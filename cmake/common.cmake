@@ -33,6 +33,12 @@ if(SANITIZE)
   add_link_options(-fsanitize=${SANITIZE})
 endif()
 
+option(COVERAGE "Count how often each line and branch runs" OFF)
+if(COVERAGE)
+  set(counted --coverage -fprofile-update=atomic) # Compile options of what is tested, not of the tests.
+  add_link_options(--coverage)
+endif()
+
 add_library(warnings INTERFACE)
 target_compile_options(
   warnings

@@ -12,6 +12,7 @@
 #include "unit_test.h"
 
 using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
@@ -173,6 +174,36 @@ TEST_F(ContactCommitTexts, AreAllWalkedThroughWhenOneIsRefused)
                                                 "The valuse of contact_record.phone_info[0].number 1 and "
                                                 "attri_value -1\n ---------->")));
     EXPECT_THAT(platform.traces, Contains(traced("value = %lld, time = %lld\n", "value = 0, time = 0\n")));
+}
+
+// Its entry is there already, and the counter has not moved on.
+TEST_F(ContactCommitTexts, FollowARefusedOneIntoTheSameEntry)
+{
+    const struct {
+        commit_values values;
+        const char* format;
+        const char* text;
+    } rows[] = {
+        {commit_values().text(CONTACT_TEL, xs(42)).text(CONTACT_TEL, "1"),
+         "current_phone_count : %d contact_record.phone_count = %d\n",
+         "current_phone_count : 0 contact_record.phone_count = 1\n"},
+        {commit_values().text(CONTACT_EMAIL, xs(130)).text(CONTACT_EMAIL, "a@b"),
+         "current_email_count = %d contact_record.email_count = %d\n",
+         "current_email_count = 0 contact_record.email_count = 1\n"},
+        {commit_values().texts(CONTACT_ADDR, {xs(66)}).texts(CONTACT_ADDR, WHOLE_ADDRESS),
+         "current_address_count : %d contact_record.postal_count : %d\n",
+         "current_address_count : 0 contact_record.postal_count : 1\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.format);
+        expect_refused(row.values);
+        EXPECT_EQ(std::count_if(platform.traces.begin(), platform.traces.end(),
+                                [&](const auto& trace) { return trace.format == row.format; }),
+                  2);
+        EXPECT_THAT(platform.traces, Each(testing::AnyOf(Field(&trace_message::format, testing::Ne(row.format)),
+                                                         traced(row.format, row.text))));
+        start_over();
+    }
 }
 
 TEST_F(ContactCommitTexts, ThatAreNullLeaveTheirFieldEmpty)

@@ -174,6 +174,7 @@ TEST_F(WholeCharacters, CutsAtACharacterBoundary)
         {"a surrogate pair cut before its last byte", "\xed\xa0\xbd\xed\xb8\x80z", 5, 0},
         {"between two pairs", "\xed\xa0\xbd\xed\xb8\x80\xed\xa0\xbd\xed\xb8\x80", 6, 6},
         {"in the middle of the second pair", "\xed\xa0\xbd\xed\xb8\x80\xed\xa0\xbd\xed\xb8\x80", 9, 6},
+        {"a low half without its high half", "abc\xed\xb8\x80z", 4, 3},
         {"the character NUL in two bytes", "abcd\xc0\x80z", 5, 4},
     };
     for (const auto& row : rows) EXPECT_EQ(whole_characters(row.text, row.limit), row.expected) << row.when;

@@ -20,11 +20,13 @@ struct trace_site {
 
 // The place of the call itself. A frame that several port functions share takes it as its first argument and traces
 // in the port function's name.
-constexpr trace_site trace_here(const char* path = __builtin_FILE(), int line = __builtin_LINE(),
+// GCOV_EXCL_START: runs in the compiler only.
+consteval trace_site trace_here(const char* path = __builtin_FILE(), int line = __builtin_LINE(),
                                 const char* function = __builtin_FUNCTION())
 {
     return {path, line, function};
 }
+// GCOV_EXCL_STOP
 
 // Hands a message to the hook, whose pointer is read afresh each time; the compiler checks the format.
 #define PIM_TRACE(severity, ...) \

@@ -221,7 +221,7 @@ static void release_commit_buffers(JNIEnv* env, const commit_arguments& argument
 template <typename Element>
 static Element entry_count(const Element* elements, jsize length, jsize elements_per_entry)
 {
-    if (elements == nullptr || length == 0) return 0;
+    if (length == 0) return 0;
     const Element count = elements[0];
     return count >= 0 && count <= (length - 1) / elements_per_entry ? count : -1;
 }
