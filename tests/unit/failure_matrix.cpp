@@ -497,7 +497,7 @@ std::string failures_in(const std::vector<trace_message>& traces)
         if (trace.severity == TRACE_STEP) continue;
         std::string text = std::regex_replace(trace.text, place, "");
         text.erase(text.find_last_not_of(" \n") + 1);
-        if (trace.severity == JAVA_PRINTF_RECOVERABLE) text = "recoverable: " + text;
+        if (trace.severity == JAVA_PRINTF_RECOVERABLE) text.insert(0, "recoverable: ");
         if (messages.empty() || messages.back() != text) messages.push_back(text);
     }
     return joined(messages, " | ");
