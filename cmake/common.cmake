@@ -33,6 +33,15 @@ if(SANITIZE)
   add_link_options(-fsanitize=${SANITIZE})
 endif()
 
+# A library of the platform names every library that it needs.
+set(no_undefined LINKER:-z,defs)
+
+option(FUZZ "Build the fuzz targets; takes clang" OFF)
+if(FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  set(no_undefined) # clang leaves what its sanitizers need to the program.
+endif()
+
 option(COVERAGE "Count how often each line and branch runs" OFF)
 if(COVERAGE)
   set(counted --coverage -fprofile-update=atomic) # Compile options of what is tested, not of the tests.
