@@ -10,11 +10,11 @@
 
 // ---- Arguments ------------------------------------------------------------------------------------------------------
 
-static const jstring group = fast_string(FAST_GROUP);
-static const jstring other_group = fast_string("Office");
-static const jstring match = fast_string(FAST_MATCH);
-static const jintArray no_ints = fast_ints({});
-static const jbyteArray no_bytes = fast_bytes("");
+static auto* const group = fast_string(FAST_GROUP);
+static auto* const other_group = fast_string("Office");
+static auto* const match = fast_string(FAST_MATCH);
+static auto* const no_ints = fast_ints({});
+static auto* const no_bytes = fast_bytes("");
 
 namespace {
 

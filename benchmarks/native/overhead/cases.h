@@ -1,4 +1,5 @@
-// cases.h: what is measured: every native with arguments that take it through the whole of its work, beside its minimum.
+// cases.h: what is measured: every native with arguments that take it through the whole of its work, beside its
+// minimum.
 #ifndef JSR75_PIM_BENCHMARKS_CASES_H
 #define JSR75_PIM_BENCHMARKS_CASES_H
 

@@ -37,7 +37,8 @@ static Reference lasting(std::vector<Element> values)
     static std::deque<fast_object> objects;
     std::vector<Element>& kept = contents.emplace_back(std::move(values));
     kept.reserve(1); // Elements that lead nowhere would be a failure.
-    return reference_to<Reference>(&objects.emplace_back(static_cast<jsize>(kept.size()), kept.data()));
+    objects.push_back({static_cast<jsize>(kept.size()), kept.data()});
+    return reference_to<Reference>(&objects.back());
 }
 
 static std::vector<jbyte> bytes_of(const std::string& text)

@@ -1,5 +1,5 @@
-// fast_jni.h: a virtual machine that does the least it can: references lead to constant objects, and what a native makes
-// is thrown away.
+// fast_jni.h: a virtual machine that does the least it can: references lead to constant objects, and what a native
+// makes is thrown away.
 #ifndef JSR75_PIM_BENCHMARKS_FAST_JNI_H
 #define JSR75_PIM_BENCHMARKS_FAST_JNI_H
 

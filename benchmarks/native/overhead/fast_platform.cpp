@@ -42,10 +42,10 @@ void trace_to_journal(bool wanted)
 // ---- Presets --------------------------------------------------------------------------------------------------------
 
 // All texts are in lower case: a search folds them in place.
-static contact_phone phones[] = {a_phone("+49 30 1234567", CONTACT_PHONE_MOBILE_PRIVATE),
-                                 a_phone("+49 30 7654321", CONTACT_PHONE_WORK), {}};
-static contact_email emails[] = {an_email("grace@example.org", CONTACT_ENTRY_PRIVATE),
-                                 an_email("hopper@example.com", CONTACT_ENTRY_BUSINESS), {}};
+static contact_phone phones[] = {
+    a_phone("+49 30 1234567", CONTACT_PHONE_MOBILE_PRIVATE), a_phone("+49 30 7654321", CONTACT_PHONE_WORK), {}};
+static contact_email emails[] = {
+    an_email("grace@example.org", CONTACT_ENTRY_PRIVATE), an_email("hopper@example.com", CONTACT_ENTRY_BUSINESS), {}};
 static char note[] = "met at the conference";
 
 static contact_address* preset_addresses()
@@ -95,8 +95,8 @@ static contact_group_record preset_group(int32_t key, const char* name)
     return group;
 }
 
-static const contact_group_record groups[] = {preset_group(0, "Family"), preset_group(1, FAST_GROUP),
-                                              preset_group(2, "Sports club")};
+static const contact_group_record stored_groups[] = {preset_group(0, "Family"), preset_group(1, FAST_GROUP),
+                                                     preset_group(2, "Sports club")};
 static constexpr int32_t GROUPS = 3;
 
 static constexpr int32_t MEMBERS[] = {FAST_CURRENT - 1, FAST_CURRENT, FAST_CURRENT + 1};
@@ -267,18 +267,18 @@ int contact_db_service_group_get_count(int, int* count, int*)
     return 1;
 }
 
-int contact_db_service_group_get_all_records(int, contact_group_record* all, int count, int*)
+int contact_db_service_group_get_all_records(int, contact_group_record* groups, int count, int*)
 {
     NOTE("contact_db_service_group_get_all_records(%d, %lx)", count,
-         digest(all, static_cast<size_t>(count) * sizeof *all));
-    std::memcpy(all, groups, sizeof groups);
+         digest(groups, static_cast<size_t>(count) * sizeof *groups));
+    std::memcpy(groups, stored_groups, sizeof stored_groups);
     return 1;
 }
 
 int contact_db_service_group_get(int, int key_index, contact_group_record* group, int*)
 {
     NOTE("contact_db_service_group_get(%d, %lx)", key_index, digest(group, sizeof *group));
-    *group = groups[key_index];
+    *group = stored_groups[key_index];
     return 1;
 }
 
@@ -323,13 +323,13 @@ int contact_db_service_group_get_members(int, int key_index, int* indices, int* 
     return 1;
 }
 
-int contact_db_service_group_search(int, const char* query, int limit, int, contact_group_record* found, int* count,
+int contact_db_service_group_search(int, const char* query, int limit, int, contact_group_record* groups, int* count,
                                     int*, int mode)
 {
     NOTE("contact_db_service_group_search(%s, %d, %d, %lx, %d)", query, limit, *count,
-         digest(found, static_cast<size_t>(*count) * sizeof *found), mode);
+         digest(groups, static_cast<size_t>(*count) * sizeof *groups), mode);
     const bool all = mode == 0;
-    std::memcpy(found, all ? groups : groups + 1, all ? sizeof groups : sizeof *groups);
+    std::memcpy(groups, all ? stored_groups : stored_groups + 1, all ? sizeof stored_groups : sizeof *groups);
     *count = all ? GROUPS : 1;
     return 1;
 }

@@ -14,7 +14,7 @@
 // but every result is looked at. What the platform is handed is the same to the byte, so blocks are cleared that it
 // might read. What only the library sees is neither cleared nor copied for longer than it takes.
 
-#define STEP(...) PIM_TRACE(TRACE_STEP, __VA_ARGS__)
+#define STEP(...)                 PIM_TRACE(TRACE_STEP, __VA_ARGS__)
 #define ENTERED(class_and_method) STEP("%s ***\n", "Java_com_qvr_zek_pim_" #class_and_method)
 
 extern "C" {
@@ -280,6 +280,9 @@ static int next_in_category(const char* name, int recindex, int* error)
 
 static int next_without_category(int recindex, int* error)
 {
+    constexpr size_t WORK_BLOCK_SIZE = 1496;
+    void* work_block = calloc(WORK_BLOCK_SIZE, 1); // Promised: without memory for it the walk ends.
+    if (work_block == nullptr) return -1;
     GList* contacts = nullptr;
     if (!contact_db_service_search_contacts_of_no_group(nullptr, 1024, "", 9, &contacts, error)) return -1;
     int next = -1;
@@ -290,6 +293,7 @@ static int next_without_category(int recindex, int* error)
         break;
     }
     g_list_free_full(contacts, free);
+    free(work_block);
     return next;
 }
 
@@ -500,11 +504,11 @@ jint minimum_PIMListImpl_maxValuesN(JNIEnv*, jobject, jint listtype, jint, jint 
 }
 
 // The attributes of phones, e-mails and homepages; the places in the first are the stored types.
-static const jint ATTRIBUTES[] = {ATTR_MOBILE_PRIVATE, ATTR_MOBILE_BUSINESS, ATTR_LINE_PRIVATE,  ATTR_LINE_BUSINESS,
-                                  ATTR_HOME,           ATTR_WORK,            ATTR_VIDEO_CALL,    ATTR_FAX,
-                                  ATTR_VOICE_MAIL,     ATTR_SIM,             ATTR_ASST,          ATTR_PAGER,
-                                  ATTR_OTHER,          ATTR_EMAIL_PRIVATE,   ATTR_EMAIL_BUSINESS, ATTR_URL_PRIVATE,
-                                  ATTR_URL_BUSINESS};
+static const jint ATTRIBUTES[] = {
+    ATTR_MOBILE_PRIVATE, ATTR_MOBILE_BUSINESS, ATTR_LINE_PRIVATE, ATTR_LINE_BUSINESS, ATTR_HOME,
+    ATTR_WORK,           ATTR_VIDEO_CALL,      ATTR_FAX,          ATTR_VOICE_MAIL,    ATTR_SIM,
+    ATTR_ASST,           ATTR_PAGER,           ATTR_OTHER,        ATTR_EMAIL_PRIVATE, ATTR_EMAIL_BUSINESS,
+    ATTR_URL_PRIVATE,    ATTR_URL_BUSINESS};
 static const jint PHONE_ATTRIBUTES = 13;
 static const jint* const EMAIL_ATTRIBUTES = ATTRIBUTES + PHONE_ATTRIBUTES;
 static const jint* const URL_ATTRIBUTES = EMAIL_ATTRIBUTES + 2;
@@ -681,8 +685,8 @@ jint minimum_PIMListImpl_maxCategoriesN(JNIEnv*, jobject, jint listtype, jint)
 
 static contact_group_record* new_groups(int count)
 {
-    return static_cast<contact_group_record*>(calloc(static_cast<size_t>(count > 0 ? count : 1),
-                                                     sizeof(contact_group_record)));
+    return static_cast<contact_group_record*>(
+        calloc(static_cast<size_t>(count > 0 ? count : 1), sizeof(contact_group_record)));
 }
 
 jobjectArray minimum_PIMListImpl_getCategoriesN(JNIEnv* env, jobject, jint, jint)
@@ -870,8 +874,8 @@ static jint is_item_deleted(const char* list, jint recindex)
     org_full_record record;
     int error = 0;
     if (!open_organizer(list, &record, &error)) return 1;
-    const bool deleted = !org_db_service_get_record_full_field_by_index(recindex, &record, &error) &&
-                         error == ORG_ERR_RECORD_NOT_FOUND;
+    const bool deleted =
+        !org_db_service_get_record_full_field_by_index(recindex, &record, &error) && error == ORG_ERR_RECORD_NOT_FOUND;
     return !close_organizer(list, &record) || deleted ? 1 : 0;
 }
 
@@ -1255,8 +1259,7 @@ static jint count_contact_values(const contact_record* contact, jint field)
     case CONTACT_NAME:
         return contact->name_info.last_name[0] != '\0' || contact->name_info.first_name[0] != '\0' ? 1 : 0;
     case CONTACT_NICKNAME: return contact->nickname[0] != '\0' ? 1 : 0;
-    case CONTACT_NOTE:
-        return contact->note != nullptr && contact->note_size > 0 && contact->note[0] != '\0' ? 1 : 0;
+    case CONTACT_NOTE: return contact->note != nullptr && contact->note_size > 0 && contact->note[0] != '\0' ? 1 : 0;
     case CONTACT_ORG: return contact->company_name[0] != '\0' ? 1 : 0;
     case CONTACT_TITLE: return contact->job_title[0] != '\0' ? 1 : 0;
     case CONTACT_BIRTHDAY: return seconds_of(&contact->birthday) != -1 ? 1 : 0;
@@ -1361,8 +1364,9 @@ static jsize list_fields(const char* lister, jint (*count)(jint, jint), const ji
     return listed;
 }
 
-#define LIST_FIELDS(list, candidates) \
-    list_fields("getField_" #list, count_##list, candidates, sizeof(candidates) / sizeof *(candidates), recindex, fields)
+#define LIST_FIELDS(list, candidates)                                                                             \
+    list_fields("getField_" #list, count_##list, candidates, sizeof(candidates) / sizeof *(candidates), recindex, \
+                fields)
 
 jintArray minimum_PIMItemImpl_getFieldsN(JNIEnv* env, jobject, jint listtype, jint, jint recindex)
 {
@@ -2010,10 +2014,22 @@ jintArray minimum_ToDoListImpl_nextSortedToDoN(JNIEnv* env, jobject, jint, jint 
         if (!org_db_service_init_full_record(&record, &error)) return nullptr;
         if (!org_db_service_get_record_full_field_by_index(position, &record, &error)) continue;
         switch (field) {
-        case TODO_COMPLETION_DATE: name = "T_COMPLETION_DATE"; time = &record.end_date_time.time; break;
-        case TODO_DUE: name = "T_DUE"; time = &record.repeat_end_or_due.time; break;
-        case TODO_REVISION: name = "T_REVISION"; time = &record.last_modified_time.time; break;
-        case EXTENDED_FIELD_0: name = "T_START"; time = &record.start_date_time.time; break;
+        case TODO_COMPLETION_DATE:
+            name = "T_COMPLETION_DATE";
+            time = &record.end_date_time.time;
+            break;
+        case TODO_DUE:
+            name = "T_DUE";
+            time = &record.repeat_end_or_due.time;
+            break;
+        case TODO_REVISION:
+            name = "T_REVISION";
+            time = &record.last_modified_time.time;
+            break;
+        case EXTENDED_FIELD_0:
+            name = "T_START";
+            time = &record.start_date_time.time;
+            break;
         default: return nullptr;
         }
         date = seconds_of(time) * 1000;
@@ -2099,9 +2115,8 @@ jintArray minimum_EventImpl_getRepeatFieldsN(JNIEnv* env, jobject, jint, jint re
     static const jint WEEKLY[] = {REPEAT_END, REPEAT_INTERVAL, REPEAT_DAY_IN_WEEK};
     static const jint MONTHLY[] = {REPEAT_END, REPEAT_INTERVAL, REPEAT_DAY_IN_MONTH, REPEAT_WEEK_IN_MONTH,
                                    REPEAT_DAY_IN_WEEK};
-    static const jint YEARLY[] = {REPEAT_END,           REPEAT_INTERVAL,      REPEAT_DAY_IN_YEAR,
-                                  REPEAT_MONTH_IN_YEAR, REPEAT_WEEK_IN_MONTH, REPEAT_DAY_IN_WEEK,
-                                  REPEAT_DAY_IN_MONTH};
+    static const jint YEARLY[] = {REPEAT_END,           REPEAT_INTERVAL,    REPEAT_DAY_IN_YEAR, REPEAT_MONTH_IN_YEAR,
+                                  REPEAT_WEEK_IN_MONTH, REPEAT_DAY_IN_WEEK, REPEAT_DAY_IN_MONTH};
     org_full_record record;
     const jint* fields = nullptr;
     jsize count = 0;
@@ -2109,10 +2124,22 @@ jintArray minimum_EventImpl_getRepeatFieldsN(JNIEnv* env, jobject, jint, jint re
     if (!open_item("EVENT", recindex, &record)) return nullptr;
     STEP("qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term is %d\n", record.repeat_term);
     switch (record.repeat_term) {
-    case ORG_REPEAT_DAILY: fields = DAILY; count = 2; break;
-    case ORG_REPEAT_WEEKLY: fields = WEEKLY; count = 3; break;
-    case ORG_REPEAT_MONTHLY: fields = MONTHLY; count = 5; break;
-    case ORG_REPEAT_YEARLY: fields = YEARLY; count = 7; break;
+    case ORG_REPEAT_DAILY:
+        fields = DAILY;
+        count = 2;
+        break;
+    case ORG_REPEAT_WEEKLY:
+        fields = WEEKLY;
+        count = 3;
+        break;
+    case ORG_REPEAT_MONTHLY:
+        fields = MONTHLY;
+        count = 5;
+        break;
+    case ORG_REPEAT_YEARLY:
+        fields = YEARLY;
+        count = 7;
+        break;
     default: break;
     }
     if (fields != nullptr && seconds_of(&record.repeat_end_or_due.time) <= 0) ++fields, --count;

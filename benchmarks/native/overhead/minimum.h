@@ -1,5 +1,5 @@
-// minimum.h: for each native a function that does the same for the platform, the trace hook and the virtual machine, and
-// nothing that these do not see.
+// minimum.h: for each native a function that does the same for the platform, the trace hook and the virtual machine,
+// and nothing that these do not see.
 #ifndef JSR75_PIM_BENCHMARKS_MINIMUM_H
 #define JSR75_PIM_BENCHMARKS_MINIMUM_H
 

@@ -1,6 +1,6 @@
 // Measures what the library adds to the calls that it makes: every native beside the least code that makes the same
-// calls. Takes Google Benchmark's options; see README text of --help. With --instructions each call runs once, for
-// callgrind to count.
+// calls. Before that it checks that they are the same. Takes Google Benchmark's options; with --instructions each call
+// runs once, for callgrind to count.
 
 #include <algorithm>
 #include <cstdio>
@@ -87,8 +87,8 @@ static bool does_the_same(const overhead_case& one)
 static bool all_do_the_same()
 {
     trace_to_journal(true);
-    const bool same = std::ranges::count_if(overhead_cases(), does_the_same) ==
-                      static_cast<std::ptrdiff_t>(overhead_cases().size());
+    const bool same =
+        std::ranges::count_if(overhead_cases(), does_the_same) == static_cast<std::ptrdiff_t>(overhead_cases().size());
     trace_to_journal(false);
     return same;
 }
@@ -108,7 +108,7 @@ struct measured_times {
     double quantile(double share)
     {
         std::ranges::sort(all);
-        return all.empty() ? 0 : all[static_cast<size_t>(share * static_cast<double>(all.size() - 1) + 0.5)];
+        return all.empty() ? 0 : all[static_cast<size_t>(share * static_cast<double>(all.size() - 1))];
     }
     double median() { return quantile(0.5); }
     // Half of the repetitions lie within so many percent of the median.
@@ -189,6 +189,7 @@ static void count_instructions(measured_call call, const std::string& name)
 
 static void count_all_instructions()
 {
+    count_instructions([](JNIEnv*) -> jlong { return 0; }, "nothing");
     for (const overhead_case& one : overhead_cases()) {
         count_instructions(one.of_library, one.name() + LIBRARY_SUFFIX);
         count_instructions(one.of_minimum, one.name() + MINIMUM_SUFFIX);
