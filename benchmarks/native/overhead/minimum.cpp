@@ -34,8 +34,8 @@ static bool close_contacts()
     return contact_db_service_disconnect(&error) != 0;
 }
 
-// Small blocks that were freed are quicker to come by than with calloc().
-static void* new_zeroed(size_t size)
+// Quicker than calloc() for small blocks, and than the code that a known size gets in place of memset().
+__attribute__((noinline)) static void* new_zeroed(size_t size)
 {
     void* block = malloc(size);
     if (block != nullptr) memset(block, 0, size);
