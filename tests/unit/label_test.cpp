@@ -1,7 +1,6 @@
 // The labels of fields, attributes and array elements.
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string>
 
 #include "pimlistimpl_limo_arm.h"
@@ -34,15 +33,6 @@ std::array<char, size> untouched()
 {
     std::array<char, size> buffer;
     buffer.fill('#');
-    return buffer;
-}
-
-// The buffer as it must be after `label` and its terminator were written to its front.
-template <size_t size>
-std::array<char, size> with(const char* label)
-{
-    std::array<char, size> buffer = untouched<size>();
-    std::memcpy(buffer.data(), label, std::strlen(label) + 1);
     return buffer;
 }
 
@@ -116,7 +106,7 @@ TEST_F(FieldLabel, IsTheOneOfTheTable)
         SCOPED_TRACE(shown(row.listtype, row.field));
         auto buffer = untouched<LABEL_SIZE>();
         EXPECT_EQ(pimlistimpl_getFieldLabelN(row.listtype, HANDLE, row.field, buffer), 1);
-        EXPECT_EQ(buffer, with<LABEL_SIZE>(row.label));
+        EXPECT_STREQ(buffer.data(), row.label);
 
         jstring label =
             Java_com_qvr_zek_pim_PIMListImpl_getFieldLabelN(jni.env(), nullptr, row.listtype, HANDLE, row.field);
@@ -155,7 +145,7 @@ TEST_F(AttributeLabel, IsTheOneOfTheTable)
         SCOPED_TRACE(row.label);
         auto buffer = untouched<LABEL_SIZE>();
         EXPECT_EQ(pimlistimpl_getAttributeLabelN(1, HANDLE, row.code, buffer), 1);
-        EXPECT_EQ(buffer, with<LABEL_SIZE>(row.label));
+        EXPECT_STREQ(buffer.data(), row.label);
 
         jstring label = Java_com_qvr_zek_pim_PIMListImpl_getAttributeLabelN(jni.env(), nullptr, 1, HANDLE, row.code);
         EXPECT_EQ(jni.text(label), row.label);
@@ -205,7 +195,7 @@ TEST_F(ArrayElementLabel, IsTheOneOfTheTable)
         SCOPED_TRACE(row.label);
         auto buffer = untouched<ELEMENT_LABEL_SIZE>();
         EXPECT_EQ(pimlistimpl_getArrayElementLabelN(1, HANDLE, row.field, row.element, buffer), 1);
-        EXPECT_EQ(buffer, with<ELEMENT_LABEL_SIZE>(row.label));
+        EXPECT_STREQ(buffer.data(), row.label);
         start_over();
 
         jstring label = Java_com_qvr_zek_pim_PIMListImpl_getArrayElementLabelN(jni.env(), nullptr, 1, HANDLE, row.field,

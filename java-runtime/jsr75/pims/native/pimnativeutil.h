@@ -27,8 +27,20 @@ using heap_array = std::unique_ptr<T[], free_block>;
 template <typename T>
 heap_array<T> allocate_zeroed(size_t count)
 {
-    return heap_array<T>(static_cast<T*>(std::calloc(count, sizeof(T))));
+    if (count > SIZE_MAX / sizeof(T)) return nullptr;
+    // Not calloc, which leaves aside the freed blocks that glibc keeps for a thread.
+    void* block = std::malloc(count * sizeof(T));
+    if (block != nullptr) std::memset(block, 0, count * sizeof(T));
+    return heap_array<T>(static_cast<T*>(block));
 }
+
+// Room for a text, which is the empty one to begin with. What stands behind its end is left as it was.
+template <size_t size>
+struct text_slot {
+    char text[size];
+
+    text_slot() { text[0] = '\0'; }
+};
 
 // ---- Java exceptions ------------------------------------------------------------------------------------------------
 

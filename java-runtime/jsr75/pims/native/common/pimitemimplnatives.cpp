@@ -87,15 +87,15 @@ JNIEXPORT jstring JNICALL Java_com_qvr_zek_pim_PIMItemImpl_getStringN(JNIEnv* en
                                                                       jint index)
 {
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
-    char text[ITEM_TEXT_SIZE] = {};
+    text_slot<ITEM_TEXT_SIZE> value;
     int8_t went_through = 0;
     switch (listtype) {
-    case LIST_CONTACT: went_through = getContactString(recindex, field, index, text); break;
-    case LIST_EVENT: went_through = getEventString(recindex, field, index, text); break;
-    case LIST_TODO: went_through = getTodoString(recindex, field, index, text); break;
+    case LIST_CONTACT: went_through = getContactString(recindex, field, index, value.text); break;
+    case LIST_EVENT: went_through = getEventString(recindex, field, index, value.text); break;
+    case LIST_TODO: went_through = getTodoString(recindex, field, index, value.text); break;
     default: break;
     }
-    return went_through == 1 ? env->NewStringUTF(text) : nullptr;
+    return went_through == 1 ? env->NewStringUTF(value.text) : nullptr;
 }
 
 JNIEXPORT jobjectArray JNICALL Java_com_qvr_zek_pim_PIMItemImpl_getStringArrayN(JNIEnv* env, jobject, jint listtype,
@@ -105,7 +105,7 @@ JNIEXPORT jobjectArray JNICALL Java_com_qvr_zek_pim_PIMItemImpl_getStringArrayN(
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
     if (listtype != LIST_CONTACT || (field != CONTACT_ADDR && field != CONTACT_NAME)) return nullptr;
 
-    item_element elements[ADDR_ELEMENTS] = {};
+    item_element elements[ADDR_ELEMENTS];
     getContactStringArray(recindex, field, index, elements);
     return new_string_array(env, elements->text, sizeof *elements,
                             field == CONTACT_ADDR ? jsize{ADDR_ELEMENTS} : jsize{NAME_ELEMENTS});
@@ -152,7 +152,7 @@ JNIEXPORT jobjectArray JNICALL Java_com_qvr_zek_pim_PIMItemImpl_getCategoriesN(J
                                                                                jint handle, jint recindex)
 {
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
-    category_name names[LIST_CATEGORIES_MAX] = {};
+    category_name names[LIST_CATEGORIES_MAX];
     const int32_t count = pimItemImpl_getCategoriesN(listtype, handle, recindex, names);
     return new_string_array(env, names->text, sizeof *names, std::max(count, 0));
 }

@@ -91,7 +91,7 @@ JNIEXPORT jintArray JNICALL Java_com_qvr_zek_pim_PIMListImpl_getSupportedAttribu
                                                                                      jint listtype, jint handle,
                                                                                      jint field)
 {
-    jint attributes[FIELD_ATTRIBUTES_MAX] = {};
+    jint attributes[FIELD_ATTRIBUTES_MAX];
     const int32_t count = pimlistimpl_getSupportedAttributesN(listtype, handle, field, attributes);
     return new_int_array(env, std::span(attributes).first(static_cast<size_t>(count)));
 }
@@ -100,7 +100,7 @@ JNIEXPORT jintArray JNICALL Java_com_qvr_zek_pim_PIMListImpl_getAllSupportedAttr
                                                                                         jint listtype, jint handle)
 {
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
-    jint attributes[ALL_ATTRIBUTES_MAX] = {};
+    jint attributes[ALL_ATTRIBUTES_MAX];
     const int32_t count = pimlistimpl_getAllSupportedAttributesN(listtype, handle, attributes);
     return new_int_array(env, std::span(attributes).first(static_cast<size_t>(count)));
 }
@@ -146,24 +146,25 @@ JNIEXPORT jstring JNICALL Java_com_qvr_zek_pim_PIMListImpl_getFieldLabelN(JNIEnv
                                                                           jint handle, jint field)
 {
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
-    char label[LABEL_SIZE] = {};
-    return label_string(env, pimlistimpl_getFieldLabelN(listtype, handle, field, label), label);
+    text_slot<LABEL_SIZE> label;
+    return label_string(env, pimlistimpl_getFieldLabelN(listtype, handle, field, label.text), label.text);
 }
 
 JNIEXPORT jstring JNICALL Java_com_qvr_zek_pim_PIMListImpl_getAttributeLabelN(JNIEnv* env, jobject, jint listtype,
                                                                               jint handle, jint attribute)
 {
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
-    char label[LABEL_SIZE] = {};
-    return label_string(env, pimlistimpl_getAttributeLabelN(listtype, handle, attribute, label), label);
+    text_slot<LABEL_SIZE> label;
+    return label_string(env, pimlistimpl_getAttributeLabelN(listtype, handle, attribute, label.text), label.text);
 }
 
 JNIEXPORT jstring JNICALL Java_com_qvr_zek_pim_PIMListImpl_getArrayElementLabelN(JNIEnv* env, jobject, jint listtype,
                                                                                  jint handle, jint field, jint element)
 {
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
-    char label[ELEMENT_LABEL_SIZE] = {};
-    return label_string(env, pimlistimpl_getArrayElementLabelN(listtype, handle, field, element, label), label);
+    text_slot<ELEMENT_LABEL_SIZE> label;
+    return label_string(env, pimlistimpl_getArrayElementLabelN(listtype, handle, field, element, label.text),
+                        label.text);
 }
 
 // ---- Categories -----------------------------------------------------------------------------------------------------
@@ -179,7 +180,7 @@ JNIEXPORT jobjectArray JNICALL Java_com_qvr_zek_pim_PIMListImpl_getCategoriesN(J
                                                                                jint handle)
 {
     PIM_TRACE(TRACE_STEP, "%s ***\n", __func__);
-    category_name names[LIST_CATEGORIES_MAX] = {};
+    category_name names[LIST_CATEGORIES_MAX];
     const int32_t count = pimlistImpl_getCategoriesN(listtype, handle, names);
     return new_string_array(env, names->text, sizeof *names, std::max(count, 0));
 }

@@ -14,13 +14,11 @@
 // Fields that a lister may write: the candidates of the contact list.
 inline constexpr int32_t LISTED_FIELDS_MAX = 11;
 
-// A string value, in a buffer that the caller has zeroed.
+// A string value, in a buffer that holds the empty text.
 using item_text = std::span<char, ITEM_TEXT_SIZE>;
 
-// One element of a string array value, in slots that the caller has zeroed.
-struct item_element {
-    char text[ITEM_ELEMENT_SIZE];
-};
+// One element of a string array value.
+using item_element = text_slot<ITEM_ELEMENT_SIZE>;
 
 // ---- Any list -------------------------------------------------------------------------------------------------------
 

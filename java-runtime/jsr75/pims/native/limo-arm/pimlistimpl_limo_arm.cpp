@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "contactrecord.h"
 #include "listschema.h"
@@ -403,12 +404,13 @@ int32_t pimlistimpl_nextRecordWithMatchStrN(int32_t listtype, int32_t, int32_t r
 // Kept: 1 reports the connection, not the deletion, whose failure is only traced.
 int32_t pimlistimpl_removeItemN(int32_t listtype, int32_t handle, int32_t recindex)
 {
-    org_full_record record = {};
+    org_full_record record; // Of events and to-dos only.
     int32_t error = 0;
     PIM_TRACE(TRACE_STEP, "pimlistimpl_removeItemN handle : %d recindex :%d\n", handle, recindex);
 
     if (find_list(listtype) == nullptr) return 0;
     org_full_record* organizer_record = listtype == LIST_CONTACT ? nullptr : &record;
+    if (organizer_record != nullptr) record = {};
 
     if (native_function_initialize(listtype, organizer_record, &error) != 1) {
         PIM_TRACE_ASSERT("initialize", error);
@@ -441,7 +443,7 @@ int32_t pimlistimpl_getSupportedFieldsN(int32_t listtype, int32_t, std::span<int
 {
     const list_schema* list = find_list(listtype);
     if (list == nullptr) return 0;
-    std::ranges::transform(list->fields, fields.begin(), &field_schema::field);
+    copy_codes(list->field_codes, fields);
     return 1;
 }
 
@@ -480,7 +482,7 @@ int32_t pimlistimpl_getSupportedArrayElementsN(int32_t listtype, int32_t, int32_
     if (find_list(listtype) == nullptr) return 1;
     const field_schema* row = find_field(listtype, field);
     if (row == nullptr || row->elements.empty()) return 0;
-    std::ranges::transform(row->elements, elements.begin(), &labelled_code::code);
+    std::iota(elements.begin(), elements.begin() + static_cast<std::ptrdiff_t>(row->elements.size()), 0);
     return 1;
 }
 
@@ -503,22 +505,23 @@ int32_t pimlistimpl_extendedStringArraySizeN()
 }
 
 // Copies a label that is there.
-static int32_t copy_label(const char* text, std::span<char> label)
+static int32_t copy_label(const label_text* from, std::span<char> label)
 {
-    if (text == nullptr) return 0;
-    copy_text(label, text);
+    if (from == nullptr) return 0;
+    std::memcpy(label.data(), *from, sizeof *from);
     return 1;
 }
+static_assert(sizeof(label_text) <= LABEL_SIZE && sizeof(label_text) <= ELEMENT_LABEL_SIZE);
 
 int32_t pimlistimpl_getFieldLabelN(int32_t listtype, int32_t, int32_t field, std::span<char, LABEL_SIZE> label)
 {
     const field_schema* row = find_field(listtype, field);
-    return copy_label(row != nullptr ? row->label : nullptr, label);
+    return copy_label(row != nullptr ? &row->label : nullptr, label);
 }
 
 int32_t pimlistimpl_getAttributeLabelN(int32_t listtype, int32_t, int32_t attribute, std::span<char, LABEL_SIZE> label)
 {
-    if (listtype == LIST_CONTACT) copy_label(find_label(ATTRIBUTE_LABELS, attribute), label);
+    if (listtype == LIST_CONTACT) copy_label(find_attribute_label(attribute), label);
     return 1;
 }
 
@@ -527,7 +530,7 @@ int32_t pimlistimpl_getArrayElementLabelN(int32_t listtype, int32_t, int32_t fie
 {
     PIM_TRACE(TRACE_STEP, "%s is called\n", __func__);
     const field_schema* row = find_field(listtype, field);
-    if (row != nullptr) copy_label(find_label(row->elements, element), label);
+    if (row != nullptr) copy_label(element_label(*row, element), label);
     return 1;
 }
 

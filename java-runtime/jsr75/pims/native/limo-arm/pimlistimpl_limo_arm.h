@@ -9,6 +9,7 @@
 #include "contact_db_service.h"
 #include "org_db_service.h"
 #include "pimcodes.h"
+#include "pimnativeutil.h"
 
 // ---- Enumeration ----------------------------------------------------------------------------------------------------
 //
@@ -85,9 +86,7 @@ int32_t pimlistimpl_getArrayElementLabelN(int32_t listtype, int32_t handle, int3
 // ---- Categories -----------------------------------------------------------------------------------------------------
 
 // A category name on its way from port to entry layer: one byte more than its limit, for the terminator.
-struct category_name {
-    char text[CONTACT_GROUP_NAME_MAX + 1];
-};
+using category_name = text_slot<CONTACT_GROUP_NAME_MAX + 1>;
 
 // The categories of the contact store, whatever the list type: how many names were written, or -1.
 int32_t pimlistImpl_getCategoriesN(int32_t listtype, int32_t handle,

@@ -1,7 +1,8 @@
 #include "pimutil.h"
 
-#include <cstdlib>
 #include <ctime>
+
+#include "pimnativeutil.h"
 
 // ---- Connections ----------------------------------------------------------------------------------------------------
 
@@ -33,7 +34,7 @@ static void attach_text_buffers(org_full_record* record, int32_t* error)
 {
     for (const text_buffer& buffer : TEXT_BUFFERS) {
         // One byte more than the limit, for the terminator of a text of the full length.
-        record->*buffer.text = static_cast<char*>(std::calloc(buffer.limit + 1, 1));
+        record->*buffer.text = allocate_zeroed<char>(buffer.limit + 1).release();
         if (record->*buffer.text == nullptr) *error = CONNECTION_NO_MEMORY;
     }
 }
