@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace store_test {
+namespace store_test::inline contacts {
 
 template <typename Entry>
 static Entry& append(Entry*& entries, int32_t& count)
@@ -230,4 +230,4 @@ std::vector<std::string> group_names()
     return names;
 }
 
-} // namespace store_test
+} // namespace store_test::inline contacts

@@ -11,7 +11,7 @@
 
 #include "store_test.h"
 
-namespace store_test {
+namespace store_test::inline contacts {
 
 // A record whose blocks go with it.
 class contact : public contact_record {
@@ -71,4 +71,4 @@ protected:
     SQLite::Database shell() const { return {file(), SQLite::OPEN_READWRITE, 5000}; }
 };
 
-} // namespace store_test
+} // namespace store_test::inline contacts

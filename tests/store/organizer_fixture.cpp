@@ -3,7 +3,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-namespace store_test {
+namespace store_test::inline organizer {
 
 const std::vector<organizer_text> organizer_texts = {
     {"summary", &org_full_record::summary, 256},   {"description", &org_full_record::description, 1024},
@@ -188,4 +188,4 @@ void OrganizerStore::make_closed_store(int events) const
     ASSERT_FALSE(fs::exists(file().string() + "-wal"));
 }
 
-} // namespace store_test
+} // namespace store_test::inline organizer

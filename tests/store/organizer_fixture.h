@@ -10,7 +10,7 @@
 
 #include "store_test.h"
 
-namespace store_test {
+namespace store_test::inline organizer {
 
 inline constexpr int both_types[] = {ORG_TYPE_EVENT, ORG_TYPE_TODO};
 
@@ -85,4 +85,4 @@ protected:
     void make_closed_store(int events) const;
 };
 
-} // namespace store_test
+} // namespace store_test::inline organizer
