@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <cstring>
 
-namespace store_test::inline contacts {
+namespace store_test {
+inline namespace contacts {
 
 template <typename Entry>
 static Entry& append(Entry*& entries, int32_t& count)
@@ -230,4 +231,5 @@ std::vector<std::string> group_names()
     return names;
 }
 
-} // namespace store_test::inline contacts
+} // namespace contacts
+} // namespace store_test
