@@ -3,14 +3,13 @@
 #include <errno.h>
 #include <sqlite3.h>
 
-#include <cstddef>
 #include <map>
 #include <optional>
 
 namespace {
 
-// What SQLite knows as the file; the real one lies behind it.
-struct alignas(std::max_align_t) shim_file {
+// What SQLite knows as the file; the real one lies behind it. Eight bytes is how SQLite aligns its files.
+struct alignas(8) shim_file {
     sqlite3_file base;
 
     sqlite3_file* real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
