@@ -6,6 +6,7 @@
 #include <cstring>
 
 namespace store_test {
+inline namespace contacts {
 
 template <typename Entry>
 static Entry& append(Entry*& entries, int32_t& count)
@@ -230,4 +231,5 @@ std::vector<std::string> group_names()
     return names;
 }
 
+} // namespace contacts
 } // namespace store_test

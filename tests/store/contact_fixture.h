@@ -12,6 +12,8 @@
 #include "store_test.h"
 
 namespace store_test {
+// One program may have both fixtures, whose functions bear the same names.
+inline namespace contacts {
 
 // A record whose blocks go with it.
 class contact : public contact_record {
@@ -71,4 +73,5 @@ protected:
     SQLite::Database shell() const { return {file(), SQLite::OPEN_READWRITE, 5000}; }
 };
 
+} // namespace contacts
 } // namespace store_test

@@ -154,6 +154,19 @@ static void limit_files(rlim_t size)
     setrlimit(RLIMIT_FSIZE, &limit);
 }
 
+TEST_F(OrganizerErrors, AFullDiskWhileTheStoreIsMade)
+{
+    for (const rlim_t size : {0u, 3000u, 9000u}) {
+        const auto code_behind_the_limit = [size] {
+            limit_files(size);
+            return code_of_add();
+        };
+        EXPECT_EQ(child_process(code_behind_the_limit).wait(), ORG_ERR_DISK_FULL) << size;
+        EXPECT_FALSE(fs::exists(file())) << size;
+    }
+    EXPECT_EQ(code_of_add(), 0);
+}
+
 TEST_F(OrganizerErrors, AFullDiskLosesNothing)
 {
     EXPECT_EQ(add(ORG_TYPE_TODO, "first"), 1);
@@ -179,6 +192,13 @@ TEST_F(OrganizerErrors, AFileThatIsNoDatabase)
         write_file(file(), content);
         expect_refusal_of_an_untouched_file(ORG_ERR_FOREIGN);
     }
+}
+
+TEST_F(OrganizerErrors, AFolderInPlaceOfTheFile)
+{
+    fs::create_directories(file());
+    EXPECT_THAT(codes(), Each(Eq(ORG_ERR_FOREIGN)));
+    EXPECT_TRUE(fs::is_empty(file()));
 }
 
 TEST_F(OrganizerErrors, ADatabaseOfSomethingElse)
@@ -276,6 +296,28 @@ TEST_F(OrganizerErrors, AWriterThatAnotherProcessKeepsWaiting)
     holder.kill();
     holder.wait();
     EXPECT_EQ(add(ORG_TYPE_EVENT, "y"), 2);
+}
+
+TEST_F(OrganizerErrors, AStoreThatAnotherProcessHasToItself)
+{
+    make_closed_store(3);
+    const std::string before = content_of(file());
+    number_pipe locked;
+    child_process holder([&] {
+        SQLite::Database database = shell();
+        database.exec("PRAGMA locking_mode = EXCLUSIVE");
+        database.exec("BEGIN EXCLUSIVE");
+        locked.send(1);
+        pause();
+        return 0;
+    });
+    int number;
+    ASSERT_TRUE(locked.receive(number));
+    EXPECT_EQ(child_process([] { return code_of_count(); }).wait(), ORG_ERR_LOCKED);
+    EXPECT_EQ(content_of(file()), before);
+    holder.kill();
+    holder.wait();
+    EXPECT_EQ(code_of_add(), 0);
 }
 
 TEST_F(OrganizerErrors, MemoryThatRunsOut)

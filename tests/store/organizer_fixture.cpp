@@ -4,6 +4,7 @@
 #include <string.h>
 
 namespace store_test {
+inline namespace organizer {
 
 const std::vector<organizer_text> organizer_texts = {
     {"summary", &org_full_record::summary, 256},   {"description", &org_full_record::description, 1024},
@@ -188,4 +189,5 @@ void OrganizerStore::make_closed_store(int events) const
     ASSERT_FALSE(fs::exists(file().string() + "-wal"));
 }
 
+} // namespace organizer
 } // namespace store_test

@@ -11,6 +11,8 @@
 #include "store_test.h"
 
 namespace store_test {
+// One program may have both fixtures, whose functions bear the same names.
+inline namespace organizer {
 
 inline constexpr int both_types[] = {ORG_TYPE_EVENT, ORG_TYPE_TODO};
 
@@ -85,4 +87,5 @@ protected:
     void make_closed_store(int events) const;
 };
 
+} // namespace organizer
 } // namespace store_test

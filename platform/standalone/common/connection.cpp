@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <charconv>
 #include <thread>
 
 namespace pim_store {
@@ -94,6 +95,19 @@ int32_t connection::number(const char* sql)
     return query.step() ? query.integer(0) : 0;
 }
 
+void connection::require_whole_file()
+{
+    statement check = prepare("PRAGMA quick_check(1)");
+    const std::string_view verdict = check.step() ? check.text(0) : "";
+    if (verdict == "ok") return;
+    // A page that could not be read is told among the damages.
+    constexpr std::string_view unread = "unable to get the page. error code=";
+    int code = SQLITE_CORRUPT;
+    if (const size_t at = verdict.find(unread); at != std::string_view::npos)
+        std::from_chars(verdict.data() + at + unread.size(), verdict.data() + verdict.size(), code);
+    throw failure_of(code, 0);
+}
+
 transaction::transaction(connection& over, purpose what_for, int32_t version) : connection_(over)
 {
     connection_.prepare(what_for == purpose::writing ? "BEGIN IMMEDIATE" : "BEGIN").run();
@@ -101,18 +115,23 @@ transaction::transaction(connection& over, purpose what_for, int32_t version) : 
         // Also what makes a reading transaction begin: BEGIN alone waits for the first statement.
         if (connection_.number("PRAGMA user_version") != version) throw store_failure(store_error::newer_schema);
     } catch (...) {
-        connection_.prepare("ROLLBACK").run();
+        roll_back();
         throw;
     }
 }
 
 transaction::~transaction()
 {
-    // SQLite itself has ended a transaction that met a full disk or the like.
+    roll_back();
+}
+
+void transaction::roll_back() noexcept
+{
+    // Committed, or ended by SQLite itself when it met a full disk or the like.
     if (sqlite3_get_autocommit(connection_.handle())) return;
     try {
         connection_.prepare("ROLLBACK").run();
-    } catch (const SQLite::Exception&) {
+    } catch (...) {
         // Nothing was committed, and the next BEGIN on this connection reports what is wrong with it.
     }
 }

@@ -76,6 +76,9 @@ public:
     // The first column of the first row of `sql`, a constant; 0 when there is no row.
     int32_t number(const char* sql);
 
+    // Looks the file through. Fails with CORRUPT when it is damaged, and with IO where it cannot be read.
+    void require_whole_file();
+
     store_failure failure(const SQLite::Exception& exception) const { return failure_of(database_, exception); }
 
     sqlite3* handle() const { return database_.getHandle(); }
@@ -104,6 +107,8 @@ public:
     void commit();
 
 private:
+    void roll_back() noexcept;
+
     connection& connection_;
 };
 

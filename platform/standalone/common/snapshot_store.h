@@ -277,8 +277,7 @@ private:
     void require_whole_file(connection& mine)
     {
         if (found_whole_) return;
-        statement check = mine.prepare("PRAGMA quick_check(1)");
-        if (!check.step() || check.text(0) != "ok") throw store_failure(store_error::corrupt);
+        mine.require_whole_file();
         found_whole_ = true;
     }
 
