@@ -20,7 +20,7 @@ final class ColdStart {
 
     /** One start, in nanoseconds. */
     static Measurement.Round of(String subject, Path home) {
-        return () -> FreshJvm.run(home, Collections.emptyList(), ColdStart.class, subject);
+        return () -> Double.parseDouble(FreshJvm.run(home, Collections.emptyList(), ColdStart.class, subject));
     }
 
     public static void main(String[] arguments) throws Exception {

@@ -16,8 +16,8 @@ final class FreshJvm {
     private FreshJvm() {
     }
 
-    /** The number that the program writes to standard error as its last line. */
-    static double run(Path home, List<String> options, Class<?> program, String... arguments)
+    /** The last line that the program writes to standard error. */
+    static String run(Path home, List<String> options, Class<?> program, String... arguments)
             throws IOException, InterruptedException {
         List<String> command = new ArrayList<>();
         command.add(Paths.get(System.getProperty("java.home"), "bin", "java").toString());
@@ -40,6 +40,6 @@ final class FreshJvm {
         if (process.waitFor() != 0) {
             throw new IOException(program.getSimpleName() + " failed: " + last);
         }
-        return Double.parseDouble(last);
+        return last;
     }
 }

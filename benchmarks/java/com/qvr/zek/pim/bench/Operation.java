@@ -14,7 +14,7 @@ final class Operation {
     static final String MKTIME = "mktime of a due date";
     static final String TODO_BESIDE_MKTIME = "to-do beside its mktime";
     static final String COLD_START = "cold start";
-    static final String RESIDENT_GROWTH = "resident growth";
+    static final String RESIDENT_GROWTH = "growth in 100,000 calls";
 
     private Operation() {
     }

@@ -8,14 +8,16 @@ import java.nio.file.Paths;
 import java.util.Arrays;
 import java.util.List;
 
-/** By how much a program's resident memory has grown after 100,000 calls, before which it had made as many. */
+/** By how much a program's resident memory grows with 100,000 calls more. */
 final class ResidentGrowth {
-    static final int CALLS = 100_000;
+    private static final int CALLS = 100_000;
 
     /** The virtual machine's own memory stands still: a heap that is whole from the start, and no compiler. */
     private static final List<String> STILL_JVM =
             Arrays.asList("-Xint", "-XX:+UseSerialGC", "-Xms16m", "-Xmx16m", "-XX:+AlwaysPreTouch");
 
+    private static final int WARM_UPS = 3;
+    private static final int ROUNDS = 5;
     private static final int CALLS_OF_A_CYCLE = 1000;
 
     private final LibraryStore store = new LibraryStore();
@@ -25,24 +27,34 @@ final class ResidentGrowth {
     private ResidentGrowth() {
     }
 
-    /** The growth in kB. */
-    static Measurement.Round in(Path home) {
-        return () -> FreshJvm.run(home, STILL_JVM, ResidentGrowth.class);
+    /** The kilobytes of growth of one program, round by round of so many calls. */
+    static Samples in(Path home) throws IOException, InterruptedException {
+        String growths = FreshJvm.run(home, STILL_JVM, ResidentGrowth.class);
+        return new Samples(Arrays.stream(growths.split(" ")).mapToDouble(Double::parseDouble).toArray());
     }
 
     public static void main(String[] arguments) throws Exception {
         ResidentGrowth program = new ResidentGrowth();
-        program.makeCalls();
-        long before = residentKilobytes();
-        program.makeCalls();
-        System.err.println(residentKilobytes() - before);
+        StringBuilder growths = new StringBuilder();
+        long before = 0;
+        for (int round = -WARM_UPS; round < ROUNDS; round++) {
+            program.makeCalls();
+            long now = residentKilobytes();
+            if (round >= 0) {
+                growths.append(now - before).append(' ');
+            }
+            before = now;
+        }
+        System.err.println(growths);
     }
 
     private void makeCalls() throws Exception {
         for (int cycle = 0; cycle < CALLS / CALLS_OF_A_CYCLE; cycle++) {
             store.update(1 + cycle, SampleContact.at(1 + cycle));
-            store.search("no contact says this");
-            for (int step = 0; step < 8; step++) {
+            if (cycle % 10 == 0) {
+                store.search("no contact says this");
+            }
+            for (int step = 0; step < 9; step++) {
                 store.nextToDos(SampleToDo.due(step * 100));
             }
             for (int step = 0; step < 300; step++) {
@@ -59,6 +71,7 @@ final class ResidentGrowth {
     }
 
     private static long residentKilobytes() throws IOException {
+        System.gc();
         for (String line : Files.readAllLines(Paths.get("/proc/self/status"))) {
             if (line.startsWith("VmRSS:")) {
                 return Long.parseLong(line.replaceAll("\\D", ""));
