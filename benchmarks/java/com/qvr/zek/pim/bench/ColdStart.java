@@ -13,7 +13,7 @@ import java.sql.SQLException;
 import java.sql.Statement;
 import java.util.Collections;
 
-/** What a program waits for its first value: that of a store's first contact, in a virtual machine that just started. */
+/** What a program waits for its first value, one of the first contact, in a virtual machine that just started. */
 final class ColdStart {
     private ColdStart() {
     }

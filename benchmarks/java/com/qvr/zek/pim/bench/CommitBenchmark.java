@@ -34,7 +34,8 @@ final class CommitBenchmark {
         try (VcardFolder vcards = new VcardFolder(vcardFolder)) {
             Map<String, Round> subjects = stores.each(store -> commits(store::add));
             subjects.put(Subject.VCARD, commits(vcards::add));
-            results.add(Operation.COMMIT, contacts(), Unit.MICROSECONDS, new Measurement(WARM_UPS, rounds).of(subjects));
+            results.add(Operation.COMMIT, contacts(), Unit.MICROSECONDS,
+                    new Measurement(WARM_UPS, rounds).of(subjects));
         }
     }
 

@@ -89,7 +89,8 @@ final class JdbcStore implements PimStore, AutoCloseable {
         next = contacts.prepareStatement(
                 "SELECT record_index FROM contact WHERE record_index > ? ORDER BY record_index LIMIT 1");
         nextInCategory = contacts.prepareStatement("SELECT record_index FROM membership WHERE record_index > ?"
-                + " AND key_index = (SELECT key_index FROM contact_group WHERE name = ?) ORDER BY record_index LIMIT 1");
+                + " AND key_index = (SELECT key_index FROM contact_group WHERE name = ?)"
+                + " ORDER BY record_index LIMIT 1");
         search = contacts.prepareStatement(SEARCH);
         nextToDos = organizer.prepareStatement(NEXT_TODOS);
 
@@ -107,7 +108,8 @@ final class JdbcStore implements PimStore, AutoCloseable {
         allFields = contacts.prepareStatement(ALL_FIELDS);
 
         insertContact = contacts.prepareStatement("INSERT INTO contact (last_name, first_name, nickname, job_title,"
-                + " company_name, birthday, note, save_time) VALUES (?, ?, ?, ?, ?, ?, ?, datetime('now', 'localtime'))");
+                + " company_name, birthday, note, save_time)"
+                + " VALUES (?, ?, ?, ?, ?, ?, ?, datetime('now', 'localtime'))");
         insertedIndex = contacts.prepareStatement("SELECT last_insert_rowid()");
         updateContact = contacts.prepareStatement("UPDATE contact SET last_name = ?, first_name = ?, nickname = ?,"
                 + " job_title = ?, company_name = ?, birthday = ?, note = ?, save_time = datetime('now', 'localtime')"
@@ -187,7 +189,7 @@ final class JdbcStore implements PimStore, AutoCloseable {
         });
     }
 
-    /** Makes the store hold the contacts 0 to {@code count} - 1, in one transaction; it holds the first ones of them. */
+    /** Makes a store that holds the first contacts hold {@code count} of them, in one transaction. */
     void setContacts(int count) throws SQLException {
         inTransaction(contacts, () -> {
             execute(contacts, "DELETE FROM contact WHERE record_index > " + count);

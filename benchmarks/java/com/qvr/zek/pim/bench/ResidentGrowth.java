@@ -16,9 +16,12 @@ final class ResidentGrowth {
     private static final List<String> STILL_JVM =
             Arrays.asList("-Xint", "-XX:+UseSerialGC", "-Xms16m", "-Xmx16m", "-XX:+AlwaysPreTouch");
 
-    private static final int WARM_UPS = 3;
-    private static final int ROUNDS = 5;
-    private static final int CALLS_OF_A_CYCLE = 1000;
+    private static final int WARM_UPS = 2;
+
+    /** Commits take blocks of ever other sizes; after so many the C library's heap has the gaps for all of them. */
+    private static final int COMMITS_TO_SETTLE = 1500;
+    private static final int ROUNDS = 3;
+    private static final int CYCLES = CALLS / 1000;
 
     private final LibraryStore store = new LibraryStore();
     private int recindex = PIMCodes.NO_RECORD;
@@ -35,6 +38,7 @@ final class ResidentGrowth {
 
     public static void main(String[] arguments) throws Exception {
         ResidentGrowth program = new ResidentGrowth();
+        program.commitChanges(COMMITS_TO_SETTLE);
         StringBuilder growths = new StringBuilder();
         long before = 0;
         for (int round = -WARM_UPS; round < ROUNDS; round++) {
@@ -48,9 +52,16 @@ final class ResidentGrowth {
         System.err.println(growths);
     }
 
+    private void commitChanges(int count) throws Exception {
+        for (int i = 0; i < count; i++) {
+            int changed = 1 + i % CYCLES;
+            store.update(changed, SampleContact.at(changed));
+        }
+    }
+
     private void makeCalls() throws Exception {
-        for (int cycle = 0; cycle < CALLS / CALLS_OF_A_CYCLE; cycle++) {
-            store.update(1 + cycle, SampleContact.at(1 + cycle));
+        commitChanges(CYCLES);
+        for (int cycle = 0; cycle < CYCLES; cycle++) {
             if (cycle % 10 == 0) {
                 store.search("no contact says this");
             }
