@@ -1,6 +1,7 @@
 // Walking the records of a list, of a category, and the contacts without one.
 #include "pimlistimpl_limo_arm.h"
 
+#include <numeric>
 #include <vector>
 
 #include "unit_test.h"
@@ -98,6 +99,21 @@ constexpr organizer_row ORGANIZER_LISTS[] = {{"events", LIST_EVENT, 8}, {"to-dos
 TEST_F(IndexAfter, FollowsTheListed)
 {
     for (const walk_row& row : WALKS) EXPECT_EQ(index_after(row.listed, row.after), row.expected) << row.when;
+}
+
+TEST_F(IndexAfter, FindsEveryIndexOfLongLists)
+{
+    for (const int32_t size : {63, 64, 65, 128, 200}) {
+        std::vector<int32_t> listed(static_cast<size_t>(size));
+        std::iota(listed.rbegin(), listed.rend(), 1); // Stores need not sort.
+        for (int32_t index = size; index > 1; --index)
+            EXPECT_EQ(index_after(listed, index), index - 1) << "of " << size;
+        EXPECT_EQ(index_after(listed, 1), -1) << size;
+        EXPECT_EQ(index_after(listed, size + 1), size) << "the restart of " << size;
+
+        listed[listed.size() - 2] = size - 10;
+        EXPECT_EQ(index_after(listed, size - 10), size - 11) << "the first of two in " << size;
+    }
 }
 
 // ---- Contacts -------------------------------------------------------------------------------------------------------

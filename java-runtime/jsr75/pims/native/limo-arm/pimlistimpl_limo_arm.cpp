@@ -12,6 +12,21 @@
 
 // ---- Index lists ----------------------------------------------------------------------------------------------------
 
+// The first position of an index in a list; the list's size when it is not there. A walk does this at each step, so whole
+// stretches are compared without stopping in them, which the compiler makes one comparison of many.
+static size_t first_position(std::span<const int32_t> indices, int32_t index)
+{
+    constexpr size_t STRETCH = 64;
+    size_t start = 0;
+    for (; indices.size() - start >= STRETCH; start += STRETCH) {
+        int32_t is_there = 0;
+        for (const int32_t each : indices.subspan(start, STRETCH)) is_there |= each == index;
+        if (is_there != 0) break;
+    }
+    const auto rest = indices.subspan(start);
+    return start + static_cast<size_t>(std::ranges::find(rest, index) - rest.begin());
+}
+
 // The position in a list that follows `after`; the list's size at its end.
 static size_t position_after(std::span<const int32_t> indices, int32_t after)
 {
@@ -19,8 +34,8 @@ static size_t position_after(std::span<const int32_t> indices, int32_t after)
     if (after == indices.back()) return indices.size();
 
     // Kept: an index no longer listed restarts the walk; a stale index never ends it.
-    const auto found = std::find(indices.begin(), indices.end(), after);
-    return found == indices.end() ? 0 : static_cast<size_t>(found - indices.begin()) + 1;
+    const size_t found = first_position(indices, after);
+    return found == indices.size() ? 0 : found + 1;
 }
 
 int32_t index_after(std::span<const int32_t> indices, int32_t after)
