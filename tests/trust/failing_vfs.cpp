@@ -31,7 +31,7 @@ bool fails(file_call call)
 
 sqlite3_file* real(sqlite3_file* file)
 {
-    return reinterpret_cast<shim_file*>(file)->real();
+    return static_cast<shim_file*>(static_cast<void*>(file))->real(); // Where SQLite puts files is aligned.
 }
 
 // ---- Calls on a file -----------------------------------------------------------------------------------------------
