@@ -41,7 +41,7 @@ void results::ReportRuns(const std::vector<Run>& runs)
 static double quantile(std::vector<double> times, double share)
 {
     std::ranges::sort(times);
-    return times[static_cast<size_t>(share * static_cast<double>(times.size() - 1) + 0.5)];
+    return times[static_cast<size_t>(std::lround(share * static_cast<double>(times.size() - 1)))];
 }
 
 static double median(const std::vector<double>& times)
@@ -100,8 +100,9 @@ void results::write_json(const std::string& file)
     for (const std::string& operation : operations_)
         for (const auto& [subject, sizes] : measured_.at(operation))
             if (sizes.size() > 1) {
-                const std::string growth = std::to_string(exponent(sizes));
-                benchmark::AddCustomContext("exponent " + operation + "/" + subject, growth);
+                std::string name = "exponent ";
+                name.append(operation).append("/").append(subject);
+                benchmark::AddCustomContext(name, std::to_string(exponent(sizes)));
             }
     std::ofstream stream(file);
     benchmark::JSONReporter json;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "contact_db_service.h"
 #include "org_db_service.h"
@@ -15,7 +16,7 @@ inline constexpr int32_t SAMPLE_GROUPS = 5;
 class owned_contact : public contact_record {
 public:
     owned_contact() : contact_record{} {}
-    owned_contact(owned_contact&& other) noexcept : contact_record(other) { static_cast<contact_record&>(other) = {}; }
+    owned_contact(owned_contact&& other) noexcept : contact_record(std::exchange<contact_record>(other, {})) {}
     owned_contact& operator=(owned_contact&&) = delete;
     ~owned_contact() { contact_db_service_contact_free(this); }
 };
@@ -31,7 +32,7 @@ std::string only_in_contact(int number);
 class owned_item : public org_full_record {
 public:
     owned_item();
-    owned_item(owned_item&& other) noexcept : org_full_record(other) { static_cast<org_full_record&>(other) = {}; }
+    owned_item(owned_item&& other) noexcept : org_full_record(std::exchange<org_full_record>(other, {})) {}
     owned_item& operator=(owned_item&&) = delete;
     ~owned_item();
 };

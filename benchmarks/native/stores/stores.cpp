@@ -281,23 +281,25 @@ static void measure_commits(const char* operation, const scene& on, durable_comm
                             durable_commits::way of_sqlite)
 {
     const auto commits = std::make_shared<durable_commits>(std::move(of_store), std::move(of_sqlite));
-    for (const auto& [side, subject] :
-         {std::pair(durable_commits::store, "store"), {durable_commits::sqlite, "sqlite"}})
-        benchmark::RegisterBenchmark(name_of(operation, subject, on).c_str(),
-                                     [commits, side](benchmark::State& state) {
-                                         double syncs = 0, cpu = 0;
-                                         for (auto _ : state) {
-                                             const commit_cost cost = commits->next(side);
-                                             state.SetIterationTime(cost.seconds);
-                                             syncs += cost.syncs;
-                                             cpu += cost.cpu_seconds;
-                                         }
-                                         using benchmark::Counter;
-                                         state.counters["syncs"] = Counter(syncs, Counter::kAvgIterations);
-                                         state.counters["cpu_us"] = Counter(cpu * 1e6, Counter::kAvgIterations);
-                                     })
+    const auto measure_side = [&](const char* subject, durable_commits::side side) {
+        const auto take_costs = [commits, side](benchmark::State& state) {
+            double syncs = 0, cpu = 0;
+            for (auto _ : state) {
+                const commit_cost cost = commits->next(side);
+                state.SetIterationTime(cost.seconds);
+                syncs += cost.syncs;
+                cpu += cost.cpu_seconds;
+            }
+            using benchmark::Counter;
+            state.counters["syncs"] = Counter(syncs, Counter::kAvgIterations);
+            state.counters["cpu_us"] = Counter(cpu * 1e6, Counter::kAvgIterations);
+        };
+        benchmark::RegisterBenchmark(name_of(operation, subject, on).c_str(), take_costs)
             ->Iterations(COMMITS)
             ->UseManualTime();
+    };
+    measure_side("store", durable_commits::store);
+    measure_side("sqlite", durable_commits::sqlite);
 }
 
 // Adding fills the place of the record removed before it, so that their number stays.
@@ -314,11 +316,12 @@ static durable_commits::way updating(const scene& on, Sample sample, Update upda
 {
     using record = decltype(sample(0, 0));
     struct turn {
+        explicit turn(const std::vector<int32_t>& indices) : walk(indices) {}
         endless_walk walk;
         int version = 0;
         std::unique_ptr<record> next;
     };
-    const auto now = std::make_shared<turn>(endless_walk(on.shuffled()));
+    const auto now = std::make_shared<turn>(on.shuffled());
     return {.prepare =
                 [now, sample] {
                     const int32_t index = now->walk.next();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <ranges>
 
 #include "common/store_error.h"
 #include "contact-db/contact_rows.h"
@@ -78,9 +77,8 @@ bool contact_contents::has(int32_t record_index) const
 int32_t contact_contents::lowest_free_index() const
 {
     // Before the first gap each index stands in its own place.
-    const auto places = std::views::iota(size_t{0}, indices_.size());
-    const auto is_in_place = [this](size_t place) { return indices_[place] == static_cast<int32_t>(place) + 1; };
-    return static_cast<int32_t>(std::ranges::partition_point(places, is_in_place) - places.begin()) + 1;
+    const auto is_in_place = [first = indices_.data()](const int32_t& index) { return index == &index - first + 1; };
+    return static_cast<int32_t>(std::ranges::partition_point(indices_, is_in_place) - indices_.begin()) + 1;
 }
 
 static void insert_sorted(std::vector<int32_t>& indices, int32_t index)
