@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <functional>
 
 #include "bench_folder.h"
 
@@ -14,11 +15,16 @@ static benchmark::BenchmarkName plain_name(const benchmark::BenchmarkName& name)
     return plain;
 }
 
+static bool waits_for_disk(const benchmark::BenchmarkReporter::Run& run)
+{
+    return !run.run_name.time_type.empty();
+}
+
 // What waits for the disk is measured by the clock, the rest by the processor's time.
 static double seconds_of(const benchmark::BenchmarkReporter::Run& run)
 {
-    const bool waits = !run.run_name.time_type.empty();
-    return (waits ? run.real_accumulated_time : run.cpu_accumulated_time) / static_cast<double>(run.iterations);
+    return (waits_for_disk(run) ? run.real_accumulated_time : run.cpu_accumulated_time) /
+           static_cast<double>(run.iterations);
 }
 
 void results::ReportRuns(const std::vector<Run>& runs)
@@ -32,6 +38,7 @@ void results::ReportRuns(const std::vector<Run>& runs)
         const std::string& name = run.run_name.function_name;
         const size_t subject = name.find('/') + 1, records = name.find('/', subject) + 1;
         const std::string operation = name.substr(0, subject - 1);
+        if (waits_for_disk(run)) in_turns_.insert(operation);
         if (std::ranges::find(operations_, operation) == operations_.end()) operations_.push_back(operation);
         measured_[operation][name.substr(subject, records - subject - 1)][std::stoll(name.substr(records))].push_back(
             seconds_of(run));
@@ -65,13 +72,19 @@ static double exponent(const ByRecords& times)
            std::log(static_cast<double>(most) / static_cast<double>(fewest));
 }
 
-const results::times* results::baseline_of(const std::string& operation, int64_t records) const
+std::optional<double> results::of_baseline(const std::string& operation, int64_t records, const times& all) const
 {
     const by_subject& subjects = measured_.at(operation);
     const auto baseline = subjects.find(BASELINE);
-    if (baseline == subjects.end()) return nullptr;
-    const auto found = baseline->second.find(records);
-    return found == baseline->second.end() ? nullptr : &found->second;
+    if (baseline == subjects.end() || !baseline->second.contains(records)) return std::nullopt;
+    const times& others = baseline->second.at(records);
+    if (&others == &all) return std::nullopt;
+    if (!in_turns_.contains(operation) || others.size() != all.size()) return median(all) / median(others);
+
+    // The disk may become faster or slower from one repetition to the next, for both sides.
+    times ratios(all.size());
+    std::ranges::transform(all, others, ratios.begin(), std::divides());
+    return median(ratios);
 }
 
 void results::print(FILE* out) const
@@ -83,9 +96,8 @@ void results::print(FILE* out) const
             for (const auto& [records, all] : sizes) {
                 std::fprintf(out, "%-17s %-8s %8lld %14.3f %6.1f%%", operation.c_str(), subject.c_str(),
                              static_cast<long long>(records), median(all) * 1e6, spread(all));
-                const times* baseline = baseline_of(operation, records);
-                if (baseline != nullptr && subject != BASELINE)
-                    std::fprintf(out, " %12.3f", median(all) / median(*baseline));
+                if (const auto ratio = of_baseline(operation, records, all))
+                    std::fprintf(out, " %12.3f", *ratio);
                 else
                     std::fprintf(out, " %12s", "");
                 if (sizes.size() > 1 && records == sizes.rbegin()->first) std::fprintf(out, " %10.2f", exponent(sizes));
@@ -95,15 +107,19 @@ void results::print(FILE* out) const
     }
 }
 
+void results::add_context(const std::string& operation, const std::string& subject, const by_records& sizes) const
+{
+    const std::string name = operation + '/' + subject;
+    if (sizes.size() > 1) benchmark::AddCustomContext("exponent " + name, std::to_string(exponent(sizes)));
+    for (const auto& [records, all] : sizes)
+        if (const auto ratio = of_baseline(operation, records, all))
+            benchmark::AddCustomContext("of sqlite's " + name + '/' + std::to_string(records), std::to_string(*ratio));
+}
+
 void results::write_json(const std::string& file)
 {
     for (const std::string& operation : operations_)
-        for (const auto& [subject, sizes] : measured_.at(operation))
-            if (sizes.size() > 1) {
-                std::string name = "exponent ";
-                name.append(operation).append("/").append(subject);
-                benchmark::AddCustomContext(name, std::to_string(exponent(sizes)));
-            }
+        for (const auto& [subject, sizes] : measured_.at(operation)) add_context(operation, subject, sizes);
     std::ofstream stream(file);
     benchmark::JSONReporter json;
     json.SetOutputStream(&stream);

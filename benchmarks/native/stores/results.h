@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,7 +23,7 @@ public:
 
     void print(FILE* out) const;
 
-    // With how the times grow from the least number of records to the greatest as context.
+    // With what the table has beside the times as context.
     void write_json(const std::string& file);
 
 private:
@@ -29,11 +31,14 @@ private:
     using by_records = std::map<int64_t, times>;
     using by_subject = std::map<std::string, by_records>;
 
-    const times* baseline_of(const std::string& operation, int64_t records) const;
+    // The time as a multiple of the baseline's; nothing without one.
+    std::optional<double> of_baseline(const std::string& operation, int64_t records, const times& all) const;
+    void add_context(const std::string& operation, const std::string& subject, const by_records& sizes) const;
 
     std::vector<Run> runs_;
     std::vector<std::string> operations_; // In the order of their first results.
     std::map<std::string, by_subject> measured_;
+    std::set<std::string> in_turns_; // Operations whose subjects took turns in each repetition.
 };
 
 #endif
