@@ -47,6 +47,19 @@ TEST(ByteRuns, RestoreAnyImageFromAnyBase)
     }
 }
 
+TEST(ByteRuns, ExpandOverWhateverWasThere)
+{
+    std::mt19937 random(2);
+    for (int round = 0; round < 2000; ++round) {
+        const size_t size = random() % 300, behind = random() % 50;
+        std::vector<std::byte> image(size), expanded(size + behind, std::byte{0xaa});
+        for (std::byte& byte : image) byte = random() % 4 ? std::byte{0} : static_cast<std::byte>(random() % 256);
+        expand_byte_runs(byte_runs(image), expanded);
+        image.resize(size + behind);
+        ASSERT_EQ(expanded, image) << "round " << round;
+    }
+}
+
 TEST(ByteRuns, ReachPastWhatOneHeadCanSay)
 {
     std::vector<std::byte> image = zeros(400000);
@@ -70,6 +83,7 @@ TEST(ByteRuns, AreRefusedWhenTheyReachPastTheImage)
     for (size_t size = 0; size < 20; ++size) {
         std::vector<std::byte> image = zeros(size);
         EXPECT_THROW(apply_byte_runs(runs, image), store_failure) << size;
+        EXPECT_THROW(expand_byte_runs(runs, image), store_failure) << size;
     }
     for (size_t cut = 1; cut < runs.size(); ++cut) {
         std::vector<std::byte> image = zeros(20);

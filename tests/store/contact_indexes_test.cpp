@@ -67,6 +67,23 @@ TEST_F(ContactIndexes, GoOnFromTheLowestFreeOneWhenTheHighestHasBeenUsed)
     EXPECT_EQ(count(), CONTACT_RECORD_MAX);
 }
 
+TEST_F(ContactIndexes, AreTheSameToWhomTheListIsKnown)
+{
+    add("first");
+    insert_contacts(2, CONTACT_RECORD_MAX);
+    EXPECT_EQ(indices().size(), CONTACT_RECORD_MAX);
+    for (const int gone : {int{CONTACT_RECORD_MAX}, 1, 5000}) remove_contact(gone);
+    EXPECT_EQ(add("x"), 1);
+    shell().exec("DELETE FROM contact WHERE record_index IN (50, 60)");
+    for (const int free : {50, 60, 5000}) EXPECT_EQ(add("x"), free) << "what others remove is free as well";
+    EXPECT_EQ(indices().size(), CONTACT_RECORD_MAX - 1);
+    EXPECT_EQ(add("x"), CONTACT_RECORD_MAX);
+    contact one_too_many("x");
+    int error = 0;
+    EXPECT_FALSE(contact_db_service_contact_add(&one_too_many, &error));
+    EXPECT_EQ(error, CONTACT_ERROR_FULL);
+}
+
 TEST_F(ContactIndexes, EndAtTheLimit)
 {
     add("first");

@@ -78,6 +78,19 @@ TEST_F(OrganizerIndexes, PassTheLastWalkedPositionOnlyWhenNoneBeforeItIsFree)
     EXPECT_THAT(indices(ORG_TYPE_TODO), ElementsAre(77, 2000, 2002));
 }
 
+TEST_F(OrganizerIndexes, AreTheSameToWhomTheListIsKnown)
+{
+    add(ORG_TYPE_EVENT, "x");
+    fill(2, 2500);
+    EXPECT_EQ(count(ORG_TYPE_EVENT), 2500);
+    for (const int gone : {1, 1500}) remove_record(gone);
+    EXPECT_EQ(add(ORG_TYPE_TODO, "x"), 1);
+    shell().exec("DELETE FROM record WHERE record_index IN (50, 60)");
+    for (const int free : {50, 60, 1500}) EXPECT_EQ(add(ORG_TYPE_TODO, "x"), free) << "what others remove is free too";
+    EXPECT_EQ(count(ORG_TYPE_TODO), 4);
+    EXPECT_EQ(add(ORG_TYPE_TODO, "x"), 2501);
+}
+
 TEST_F(OrganizerIndexes, EndWhereTheStoreIsFull)
 {
     add(ORG_TYPE_EVENT, "x");

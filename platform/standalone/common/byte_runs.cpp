@@ -65,21 +65,33 @@ std::vector<std::byte> byte_runs(byte_view image)
     return byte_runs(image, std::vector<std::byte>(image.size()));
 }
 
-void apply_byte_runs(byte_view runs, std::span<std::byte> image)
+// Copies the runs into place and hands what lies between them and behind them to `skip`.
+template <typename Skip>
+static void copy_runs(byte_view runs, std::span<std::byte> image, Skip&& skip)
 {
-    size_t at = 0;
     while (!runs.empty()) {
         run_head head;
         if (runs.size() < sizeof head) throw store_failure(store_error::corrupt);
         std::memcpy(&head, runs.data(), sizeof head);
         runs = runs.subspan(sizeof head);
-        if (head.length > runs.size() || size_t{head.skip} + head.length > image.size() - at)
+        if (head.length > runs.size() || size_t{head.skip} + head.length > image.size())
             throw store_failure(store_error::corrupt);
-        at += head.skip;
-        std::memcpy(image.data() + at, runs.data(), head.length);
-        at += head.length;
+        skip(image.first(head.skip));
+        std::memcpy(image.data() + head.skip, runs.data(), head.length);
+        image = image.subspan(size_t{head.skip} + head.length);
         runs = runs.subspan(head.length);
     }
+    skip(image);
+}
+
+void apply_byte_runs(byte_view runs, std::span<std::byte> image)
+{
+    copy_runs(runs, image, [](std::span<std::byte>) {});
+}
+
+void expand_byte_runs(byte_view runs, std::span<std::byte> image)
+{
+    copy_runs(runs, image, [](std::span<std::byte> gap) { std::ranges::fill(gap, std::byte()); });
 }
 
 } // namespace pim_store

@@ -21,4 +21,7 @@ std::vector<std::byte> byte_runs(byte_view image);
 // Applies runs to an image. Fails with CORRUPT when they reach past its end.
 void apply_byte_runs(byte_view runs, std::span<std::byte> image);
 
+// Writes all of an image, which need not be zeroed: the runs applied to zeros. Fails likewise.
+void expand_byte_runs(byte_view runs, std::span<std::byte> image);
+
 } // namespace pim_store

@@ -102,6 +102,16 @@ public:
         read_loading(look);
     }
 
+    // What `look(const Contents&)` makes of the snapshot when that is as the file is, nothing when it is not. For a
+    // writer, whose transaction keeps others from changing the file meanwhile. `look` must not need a record.
+    template <typename Look>
+    auto recall(Look&& look) -> std::optional<decltype(look(std::declval<const Contents&>()))>
+    {
+        const std::shared_lock reading(contents_lock_);
+        if (!is_current()) return std::nullopt;
+        return look(std::as_const(contents_));
+    }
+
     // Changes the file in one transaction: `change(connection&)` makes the changes and returns a callable that applies
     // the same to the Contents in memory. That one runs after the commit, at most once; when it throws the snapshot is
     // dropped. Any exception from `change` undoes the transaction.

@@ -74,6 +74,13 @@ bool contact_contents::has(int32_t record_index) const
     return is_record_index(record_index) && slot(record_index).present;
 }
 
+int32_t contact_contents::lowest_free_index() const
+{
+    // Before the first gap each index stands in its own place.
+    const auto is_in_place = [first = indices_.data()](const int32_t& index) { return index == &index - first + 1; };
+    return static_cast<int32_t>(std::ranges::partition_point(indices_, is_in_place) - indices_.begin()) + 1;
+}
+
 static void insert_sorted(std::vector<int32_t>& indices, int32_t index)
 {
     indices.insert(std::ranges::lower_bound(indices, index), index);

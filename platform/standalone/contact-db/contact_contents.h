@@ -37,6 +37,9 @@ public:
     const std::vector<int32_t>& indices() const { return indices_; }
     bool has(int32_t record_index) const;
 
+    // The one after the limit when all are taken.
+    int32_t lowest_free_index() const;
+
     // The packed record of a contact that is there; false while it is not loaded.
     const packed_contact& record(int32_t record_index) const { return slot(record_index).packed; }
 

@@ -133,7 +133,8 @@ int contact_db_service_contact_add(contact_record* contact, int* error)
         require_sound_counts(*contact);
         int32_t index = 0;
         store().write([&](connection& file) {
-            index = next_record_index(file);
+            const auto lowest_free = [](const contact_contents& contents) { return contents.lowest_free_index(); };
+            index = next_record_index(file, store().recall(lowest_free));
             const contact_record saved = as_saved(*contact, index);
             insert_contact(file, saved);
             return [index, groups = groups_of(saved), packed = packed_contact(saved)](auto& contents) mutable {

@@ -213,15 +213,21 @@ bool replace_contact(connection& file, const contact_record& contact)
     return true;
 }
 
-int32_t next_record_index(connection& file)
+static int32_t lowest_free_index(connection& file)
+{
+    int32_t lowest_free = 1;
+    statement taken = file.prepare("SELECT record_index FROM contact ORDER BY record_index");
+    while (taken.step() && taken.integer(0) == lowest_free) ++lowest_free;
+    return lowest_free;
+}
+
+int32_t next_record_index(connection& file, std::optional<int32_t> known_free)
 {
     const int32_t highest = file.number(
         "SELECT max(coalesce((SELECT max(record_index) FROM contact), 0), "
         "coalesce((SELECT max(highest) FROM retired_index), 0))");
     if (highest < CONTACT_RECORD_MAX) return highest + 1;
-    int32_t lowest_free = 1;
-    statement taken = file.prepare("SELECT record_index FROM contact ORDER BY record_index");
-    while (taken.step() && taken.integer(0) == lowest_free) ++lowest_free;
+    const int32_t lowest_free = known_free ? *known_free : lowest_free_index(file);
     if (lowest_free > CONTACT_RECORD_MAX) throw store_failure(store_error::full);
     return lowest_free;
 }

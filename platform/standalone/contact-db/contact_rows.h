@@ -3,6 +3,7 @@
 
 #include <contact_db_service.h>
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -12,8 +13,8 @@
 namespace pim_store {
 
 // The index for a new contact: the one after the highest ever used, and when that one passes the limit, the lowest
-// free one. Fails with FULL.
-int32_t next_record_index(connection& file);
+// free one: `known_free` or, without that, what looking through the rows finds. Fails with FULL.
+int32_t next_record_index(connection& file, std::optional<int32_t> known_free);
 
 // Writes the rows of a contact under contact.index, which must be free, or already there. False when the contact that
 // is to be replaced is not there.

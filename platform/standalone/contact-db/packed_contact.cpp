@@ -60,23 +60,33 @@ size_t packed_contact::size() const
     return std::accumulate(sizes.begin(), sizes.end(), sizeof sizes);
 }
 
-// A zeroed block for `count` elements and one more, so that a reader one past the end finds an empty element; null
-// for none.
+// A block for `count` elements and one more, which is to be zero, so that a reader one past the end finds an empty
+// element; null for none. Not from calloc(): glibc's takes no block that the thread has just freed, its malloc() does.
 template <typename Element>
-static Element* new_array(int32_t count)
+static std::span<Element> new_array(int32_t count)
 {
-    if (count == 0) return nullptr;
-    void* block = calloc(static_cast<size_t>(count) + 1, sizeof(Element));
+    if (count == 0) return {};
+    const size_t elements = static_cast<size_t>(count) + 1;
+    void* block = malloc(elements * sizeof(Element));
     if (!block) throw std::bad_alloc();
-    return static_cast<Element*>(block);
+    return {static_cast<Element*>(block), elements};
 }
 
 template <typename Element>
 static Element* unpacked_array(byte_view runs, int32_t count)
 {
-    auto* array = new_array<Element>(count);
-    apply_byte_runs(runs, std::as_writable_bytes(std::span(array, static_cast<size_t>(count))));
-    return array;
+    const std::span<Element> array = new_array<Element>(count);
+    expand_byte_runs(runs, std::as_writable_bytes(array));
+    return array.data();
+}
+
+static char* unpacked_note(byte_view note)
+{
+    const std::span<char> block = new_array<char>(static_cast<int32_t>(note.size()));
+    if (block.empty()) return nullptr;
+    std::memcpy(block.data(), note.data(), note.size());
+    block.back() = '\0';
+    return block.data();
 }
 
 void packed_contact::unpack(contact_record& contact) const
@@ -94,8 +104,7 @@ void packed_contact::unpack(contact_record& contact) const
         contact.phone_info = unpacked_array<contact_phone>(next(phone_runs), contact.phone_count);
         contact.email_info = unpacked_array<contact_email>(next(email_runs), contact.email_count);
         contact.address_info = unpacked_array<contact_address>(next(address_runs), contact.postal_count);
-        contact.note = new_array<char>(contact.note_size);
-        if (contact.note) std::memcpy(contact.note, next(note_bytes).data(), sizes[note_bytes]);
+        contact.note = unpacked_note(next(note_bytes));
     } catch (...) {
         release_blocks(contact);
         contact = {};

@@ -120,7 +120,8 @@ int org_db_service_add_record_full_field(int type, org_full_record* record, int*
         const record_texts texts = texts_of(*record);
         org_full_record added = *record;
         store().write([&](connection& file) {
-            added.index = next_record_index(file);
+            const auto lowest_free = [](const organizer_contents& contents) { return contents.lowest_free_index(); };
+            added.index = next_record_index(file, store().recall(lowest_free));
             insert_record(file, type, added, texts);
             return [type, at = added.index, kept = kept_record(added, texts)](organizer_contents& contents) mutable {
                 contents.add(at, type, std::move(kept));

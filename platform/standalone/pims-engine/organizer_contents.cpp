@@ -36,6 +36,13 @@ void organizer_contents::adopt(batch&& fetched)
     for (auto& [index, record] : fetched) slot(index).record = std::move(record);
 }
 
+int32_t organizer_contents::lowest_free_index() const
+{
+    int32_t index = 1;
+    while (has(index, any_type)) ++index;
+    return index;
+}
+
 void organizer_contents::add(int32_t index, int32_t type, kept_record&& record)
 {
     std::vector<int32_t>& list = indices(type);

@@ -34,6 +34,9 @@ public:
         return found != no_record && (type == any_type || type == found);
     }
 
+    // The one after the limit when all are taken.
+    int32_t lowest_free_index() const;
+
     // The record of an index that is there; false while it is not loaded.
     const kept_record& record(int32_t index) const { return slot(index).record; }
 

@@ -18,14 +18,15 @@ static int32_t lowest_free_index(connection& file)
     return lowest_free;
 }
 
-int32_t next_record_index(connection& file)
+int32_t next_record_index(connection& file, std::optional<int32_t> known_free)
 {
     const int32_t highest = file.number(
         "SELECT max(coalesce((SELECT max(record_index) FROM record), 0), "
         "coalesce((SELECT max(highest) FROM retired_index), 0))");
     for (const int32_t limit : {last_walked_index, int32_t{ORG_RECORD_MAX}}) {
         if (highest < limit) return highest + 1;
-        if (const int32_t lowest_free = lowest_free_index(file); lowest_free <= limit) return lowest_free;
+        if (!known_free) known_free = lowest_free_index(file);
+        if (*known_free <= limit) return *known_free;
     }
     throw store_failure(store_error::full);
 }

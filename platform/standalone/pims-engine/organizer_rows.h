@@ -3,6 +3,7 @@
 
 #include <org_db_service.h>
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -17,9 +18,9 @@ inline bool is_record_type(int type)
 }
 
 // The index for a new record: the one after the highest ever used, and when that one passes the limit, the lowest free
-// one. The limit is the end of the date-ordered walks while there is room before it, and then that of the store. Fails
-// with FULL.
-int32_t next_record_index(connection& file);
+// one: `known_free` or, without that, what looking through the rows finds. The limit is the end of the date-ordered
+// walks while there is room before it, and then that of the store. Fails with FULL.
+int32_t next_record_index(connection& file, std::optional<int32_t> known_free);
 
 // Writes the row of a record under record.index, which must be free, or already there. False when the record that is to
 // be replaced is not there. The record's text pointers are not looked at.
