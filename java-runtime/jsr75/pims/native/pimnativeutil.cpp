@@ -96,10 +96,42 @@ bool is_ascii_upper(char c)
     return c >= 'A' && c <= 'Z';
 }
 
+// The upper-case letters among eight bytes become lower-case ones.
+static uint64_t folded(uint64_t bytes)
+{
+    constexpr uint64_t EACH = 0x0101010101010101;
+    const uint64_t low_bits = bytes & (0x7f * EACH);
+    const uint64_t from_a = low_bits + (0x80 - 'A') * EACH;
+    const uint64_t behind_z = low_bits + (0x7f - 'Z') * EACH;
+    const uint64_t upper = from_a & ~behind_z & ~bytes & (0x80 * EACH);
+    return bytes | upper >> 2;
+}
+
+static void fold_eight(char* text)
+{
+    uint64_t bytes;
+    std::memcpy(&bytes, text, sizeof bytes);
+    // Reading what has just been written part by part stalls the processor, so what is folded stays unwritten.
+    const uint64_t lower = folded(bytes);
+    if (lower != bytes) std::memcpy(text, &lower, sizeof lower);
+}
+
+// Folds the bytes of a text of that length.
+static void fold_bytes(char* text, size_t length)
+{
+    if (length < sizeof(uint64_t)) {
+        for (char* end = text + length; text != end; ++text)
+            if (is_ascii_upper(*text)) *text = static_cast<char>(*text + 32);
+        return;
+    }
+    char* const last_eight = text + length - sizeof(uint64_t);
+    for (; text < last_eight; text += sizeof(uint64_t)) fold_eight(text);
+    fold_eight(last_eight); // Some of them twice, which changes nothing.
+}
+
 void fold_to_lower_case(char* text, size_t text_size)
 {
-    for (char* end = text + strnlen(text, text_size); text != end; ++text)
-        if (is_ascii_upper(*text)) *text = static_cast<char>(*text + 32);
+    fold_bytes(text, strnlen(text, text_size));
 }
 
 int32_t contains(char* match, char* text, size_t text_size)
@@ -108,9 +140,10 @@ int32_t contains(char* match, char* text, size_t text_size)
     const size_t length = strnlen(text, text_size);
     if (length == 0) return 1;
 
-    fold_to_lower_case(match);
-    fold_to_lower_case(text, length);
-    return memmem(text, length, match, std::strlen(match)) != nullptr ? 1 : 0;
+    const std::string_view wanted = match;
+    fold_bytes(match, wanted.size());
+    fold_bytes(text, length);
+    return std::string_view(text, length).find(wanted) != std::string_view::npos ? 1 : 0;
 }
 
 static bool is_continuation(char c)
