@@ -1,6 +1,7 @@
 #include "pimnativeutil.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "pimcodes.h"
 #include "pimtrace.h"
@@ -96,37 +97,51 @@ bool is_ascii_upper(char c)
     return c >= 'A' && c <= 'Z';
 }
 
-// The upper-case letters among eight bytes become lower-case ones.
-static uint64_t folded(uint64_t bytes)
+// The bytes of a word, its upper-case letters turned into lower-case ones.
+template <typename Word>
+static Word folded(Word bytes)
 {
-    constexpr uint64_t EACH = 0x0101010101010101;
-    const uint64_t low_bits = bytes & (0x7f * EACH);
-    const uint64_t from_a = low_bits + (0x80 - 'A') * EACH;
-    const uint64_t behind_z = low_bits + (0x7f - 'Z') * EACH;
-    const uint64_t upper = from_a & ~behind_z & ~bytes & (0x80 * EACH);
+    constexpr Word EACH = std::numeric_limits<Word>::max() / 0xff;
+    constexpr Word HIGH_BITS = 0x80 * EACH;
+    const Word low_bits = bytes & ~HIGH_BITS;
+    const Word from_a = low_bits + (0x80 - 'A') * EACH;
+    const Word behind_z = low_bits + (0x7f - 'Z') * EACH;
+    const Word upper = from_a & ~behind_z & ~bytes & HIGH_BITS;
     return bytes | upper >> 2;
 }
 
-static void fold_eight(char* text)
+template <typename Word>
+static Word read_word(const char* text)
 {
-    uint64_t bytes;
+    Word bytes;
     std::memcpy(&bytes, text, sizeof bytes);
-    // Reading what has just been written part by part stalls the processor, so what is folded stays unwritten.
-    const uint64_t lower = folded(bytes);
-    if (lower != bytes) std::memcpy(text, &lower, sizeof lower);
+    return bytes;
 }
 
-// Folds the bytes of a text of that length.
+// Needs at least one word. To read what has just been written in other parts stalls a processor, so that the last word,
+// which may overlap the one before it, is read first, and what needs no folding stays unwritten.
+template <typename Word>
+static void fold_words(char* text, size_t length)
+{
+    const auto fold = [](char* at, Word bytes) {
+        if (const Word lower = folded(bytes); lower != bytes) std::memcpy(at, &lower, sizeof lower);
+    };
+    char* const last = text + length - sizeof(Word);
+    const Word last_bytes = read_word<Word>(last);
+    for (; text < last; text += sizeof(Word)) fold(text, read_word<Word>(text));
+    fold(last, last_bytes);
+}
+
+// A search folds every text of every record, so it is done by words.
 static void fold_bytes(char* text, size_t length)
 {
-    if (length < sizeof(uint64_t)) {
-        for (char* end = text + length; text != end; ++text)
-            if (is_ascii_upper(*text)) *text = static_cast<char>(*text + 32);
-        return;
-    }
-    char* const last_eight = text + length - sizeof(uint64_t);
-    for (; text < last_eight; text += sizeof(uint64_t)) fold_eight(text);
-    fold_eight(last_eight); // Some of them twice, which changes nothing.
+    if (length >= sizeof(uint64_t))
+        fold_words<uint64_t>(text, length);
+    else if (length >= sizeof(uint32_t))
+        fold_words<uint32_t>(text, length);
+    else
+        for (char& each : std::span(text, length))
+            if (is_ascii_upper(each)) each = static_cast<char>(each + 32);
 }
 
 void fold_to_lower_case(char* text, size_t text_size)
