@@ -62,6 +62,22 @@ TEST_F(ListCategories, GivesTheNamesInTheStoresOrder)
     EXPECT_EQ(allocation_sizes(), std::vector<size_t>{3 * 1352});
 }
 
+TEST_F(ListCategories, TakesRoomForOneGroup)
+{
+    add_groups({"Work"});
+    EXPECT_EQ(list(), 1);
+    EXPECT_EQ(allocation_sizes(), std::vector<size_t>{1352});
+}
+
+TEST_F(ListCategories, LeavesTheSlotsBehindTheLastNameAlone)
+{
+    add_groups({"Work", "Home"});
+    std::array<category_name, LIST_CATEGORIES_MAX> slots = {};
+    slots[2].text[0] = '#';
+    EXPECT_EQ(pimlistImpl_getCategoriesN(LIST_CONTACT, 9, slots), 2);
+    EXPECT_STREQ(slots[2].text, "#");
+}
+
 TEST_F(ListCategories, TracesItsSteps)
 {
     add_groups({"Work", "Home"});
