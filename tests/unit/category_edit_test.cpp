@@ -170,7 +170,7 @@ TEST_F(AddCategory, SucceedsForANameThatIsThereAlready)
     EXPECT_EQ(add("Work"), 1);
     EXPECT_THAT(platform.group_names(), ElementsAre("Work"));
     EXPECT_THAT(platform.traces,
-                Contains(traced("contact group exist same name..\n", "contact group exist same name..\n")));
+                Contains(trace(TRACE_STEP, "contact group exist same name..\n", "contact group exist same name..\n")));
     EXPECT_THAT(platform.traces.back(),
                 trace(TRACE_STEP, "%s return TRUE\n", "pimlistImpl_addCategoryN return TRUE\n"));
 }
@@ -188,8 +188,8 @@ TEST_F(AddCategory, AddsNothingWhenTheNameCannotBeLookedUp)
     EXPECT_EQ(add("Work"), 1);
     EXPECT_THAT(platform.groups, IsEmpty());
     EXPECT_THAT(platform.traces,
-                Contains(traced("contact_db_service_group_exist_same_name false - same name exist\n",
-                                "contact_db_service_group_exist_same_name false - same name exist\n")));
+                Contains(trace(TRACE_HARD, "contact_db_service_group_exist_same_name false - same name exist\n",
+                               "contact_db_service_group_exist_same_name false - same name exist\n")));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
 
@@ -269,8 +269,8 @@ TEST_F(RenameCategory, TriesTheKeysInTurnUntilAllGroupsWereSeen)
                             "contact_db_service_group_get(0)", "contact_db_service_group_get(1)",
                             "contact_db_service_group_get(2)", "contact_db_service_group_get(3)",
                             "contact_db_service_group_update(3, \"Office\")", "contact_db_service_disconnect()"));
-    EXPECT_THAT(platform.traces, Contains(traced("contact_db_service_group_get is fail..\n",
-                                                 "contact_db_service_group_get is fail..\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_HARD, "contact_db_service_group_get is fail..\n",
+                                                "contact_db_service_group_get is fail..\n")));
 }
 
 TEST_F(RenameCategory, TriesNoKeyAboveTwentyNine)
@@ -410,8 +410,9 @@ TEST_F(RenameCategory, FailsAtTheFirstGroupThatTheStoreRefuses)
     platform.fail("contact_db_service_group_update", 65);
     EXPECT_EQ(rename("Work", "Office"), 0);
     EXPECT_THAT(platform.calls_of("contact_db_service_group_update"), SizeIs(1));
-    EXPECT_THAT(platform.traces, Contains(traced("contact_db_service_group_update is failed error_code = %d\n",
-                                                 "contact_db_service_group_update is failed error_code = 65\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_HARD, "contact_db_service_group_update is failed error_code = %d\n",
+                               "contact_db_service_group_update is failed error_code = 65\n")));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
 
@@ -595,8 +596,8 @@ TEST_F(DeleteCategory, FailsWhenTheSearchDoes)
 {
     platform.fail("contact_db_service_group_search", 66);
     EXPECT_EQ(remove("Work"), 0);
-    EXPECT_THAT(platform.traces, Contains(traced("contact_db_service_group_search fail..(%d)\n",
-                                                 "contact_db_service_group_search fail..(66)\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_HARD, "contact_db_service_group_search fail..(%d)\n",
+                                                "contact_db_service_group_search fail..(66)\n")));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
 

@@ -159,14 +159,15 @@ TEST_F(CommitDispatch, ReleasesAllElementsWithoutCopyingBack)
 TEST_F(CommitDispatch, TracesWhatItUnpacks)
 {
     commit(a_contact());
-    EXPECT_THAT(platform.traces, Contains(traced("stringsize = %d stringid = %d\n", "stringsize = 2 stringid = 2\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("categorysize = %d\n", "categorysize = 3\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("numbcat = %d\n", "numbcat = 2\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("category[%d] = %s\n", "category[0] = Work\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("category[%d] = %s\n", "category[1] = Home\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "stringsize = %d stringid = %d\n", "stringsize = 2 stringid = 2\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "categorysize = %d\n", "categorysize = 3\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "numbcat = %d\n", "numbcat = 2\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "category[%d] = %s\n", "category[0] = Work\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "category[%d] = %s\n", "category[1] = Home\n")));
     EXPECT_THAT(platform.traces,
                 Contains(Field(&trace_message::format, "free memory start stringsize = %d realcategorysize = %d\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("returnindex : %d\n", "returnindex : 1\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "returnindex : %d\n", "returnindex : 1\n")));
     EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "66 #########################################\n")));
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::format, "hour : %d min : %d sec : %d\n")));
 }
@@ -429,7 +430,7 @@ TEST_F(CommitResult, IsARecordIndexUpToTenThousand)
 {
     platform.add_contact(9999);
     EXPECT_EQ(commit(a_contact()), 10000);
-    EXPECT_THAT(platform.traces, Contains(traced("returnindex : %d\n", "returnindex : 10000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "returnindex : %d\n", "returnindex : 10000\n")));
     EXPECT_FALSE(jni.pending);
 }
 

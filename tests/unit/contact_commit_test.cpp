@@ -173,7 +173,7 @@ TEST_F(ContactCommitTexts, AreAllWalkedThroughWhenOneIsRefused)
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::text,
                                                 "The valuse of contact_record.phone_info[0].number 1 and "
                                                 "attri_value -1\n ---------->")));
-    EXPECT_THAT(platform.traces, Contains(traced("value = %lld, time = %lld\n", "value = 0, time = 0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "value = %lld, time = %lld\n", "value = 0, time = 0\n")));
 }
 
 // Its entry is there already, and the counter has not moved on.
@@ -249,11 +249,13 @@ TEST_F(ContactCommitTexts, AreTracedEntryByEntry)
 {
     added(commit_values().texts(CONTACT_ADDR, WHOLE_ADDRESS, 8).text(CONTACT_TEL, "1", 4));
     const char* format = "curField : %d currStringArrayIndex : %d currAtrrib : %d\n";
-    EXPECT_THAT(platform.traces, Contains(traced(format, "curField : 100 currStringArrayIndex : 0 currAtrrib : 8\n")));
-    EXPECT_THAT(platform.traces, Contains(traced(format, "curField : 115 currStringArrayIndex : 7 currAtrrib : 4\n")));
-    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "pimItemImpl_contact_commitN\n")));
     EXPECT_THAT(platform.traces,
-                Contains(traced("stringids[0] : %d, longvalue[0] : %lld\n", "stringids[0] : 2, longvalue[0] : 0\n")));
+                Contains(trace(TRACE_STEP, format, "curField : 100 currStringArrayIndex : 0 currAtrrib : 8\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, format, "curField : 115 currStringArrayIndex : 7 currAtrrib : 4\n")));
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "pimItemImpl_contact_commitN\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "stringids[0] : %d, longvalue[0] : %lld\n",
+                                                "stringids[0] : 2, longvalue[0] : 0\n")));
 }
 
 TEST_F(ContactCommitTexts, OfATitleAreToldToTheConsole)
@@ -387,12 +389,15 @@ TEST_F(ContactCommit, DropsWhatFullArraysCannotTakeWhateverItsLength)
 TEST_F(ContactCommit, TracesEveryEntryItFills)
 {
     added(commit_values().text(CONTACT_TEL, "030", 8).text(CONTACT_EMAIL, "a@b").texts(CONTACT_ADDR, WHOLE_ADDRESS));
-    EXPECT_THAT(platform.traces, Contains(traced("current_phone_count : %d contact_record.phone_count = %d\n",
-                                                 "current_phone_count : 0 contact_record.phone_count = 1\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("current_email_count = %d contact_record.email_count = %d\n",
-                                                 "current_email_count = 0 contact_record.email_count = 1\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("current_address_count : %d contact_record.postal_count : %d\n",
-                                                 "current_address_count : 0 contact_record.postal_count : 1\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "current_phone_count : %d contact_record.phone_count = %d\n",
+                               "current_phone_count : 0 contact_record.phone_count = 1\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "current_email_count = %d contact_record.email_count = %d\n",
+                               "current_email_count = 0 contact_record.email_count = 1\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "current_address_count : %d contact_record.postal_count : %d\n",
+                               "current_address_count : 0 contact_record.postal_count : 1\n")));
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::text,
                                                 "The valuse of contact_record.phone_info[0].number 030 and "
                                                 "attri_value 4\n ---------->")));
@@ -589,8 +594,9 @@ TEST_F(ContactCommitName, GoesToFamilyAndGivenName)
     EXPECT_STREQ(contact.record.company_name, "Org");
     const std::string names = "C_NAME, stringvaluess[currStringArrayIndex + ";
     EXPECT_THAT(platform.traces,
-                Contains(traced(names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
-    EXPECT_THAT(platform.traces, Contains(traced(names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
+                Contains(trace(TRACE_STEP, names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
 }
 
 TEST_F(ContactCommitName, TakesPartsOf65BytesAndRefusesOneMore)
@@ -765,9 +771,10 @@ TEST_F(ContactCommitDates, OfOtherFieldsAreIgnored)
 TEST_F(ContactCommitDates, AreTracedEntryByEntry)
 {
     added(commit_values().number(CONTACT_BIRTHDAY, 1234567, 3));
-    EXPECT_THAT(platform.traces, Contains(traced("value = %lld, time = %lld\n", "value = 1234567, time = 1234\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("curField : %d currIndex : %d currAttrib : %d\n",
-                                                 "curField : 101 currIndex : 3 currAttrib : 0\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "value = %lld, time = %lld\n", "value = 1234567, time = 1234\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "curField : %d currIndex : %d currAttrib : %d\n",
+                                                "curField : 101 currIndex : 3 currAttrib : 0\n")));
 }
 
 // ---- Categories -----------------------------------------------------------------------------------------------------
@@ -780,9 +787,9 @@ TEST_F(ContactCommitCategories, MakeTheContactAMemberOfTheirGroups)
     const stored_contact& contact = added(commit_values().category("Sport").category("Home"));
     for (int32_t key = 0; key < CONTACT_MEMBERSHIP_SIZE; ++key)
         EXPECT_EQ(contact.record.membership[key], key == 0 || key == 29 ? 1 : 0) << key;
-    EXPECT_THAT(platform.traces, Contains(traced("SOON COMMIT!!  categorycount= %d recindex = %d\n",
-                                                 "SOON COMMIT!!  categorycount= 3 recindex = 0\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("DB query [%s]\n", "DB query [id >= 0]\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "SOON COMMIT!!  categorycount= %d recindex = %d\n",
+                                                "SOON COMMIT!!  categorycount= 3 recindex = 0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "DB query [%s]\n", "DB query [id >= 0]\n")));
     EXPECT_THAT(
         platform.calls_between_connections(),
         ElementsAre("contact_db_service_group_get_count()", "contact_db_service_group_search(\"id >= 0\", 20, 0, 3, 0)",

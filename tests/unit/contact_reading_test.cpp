@@ -139,8 +139,8 @@ TEST_F(ContactString, IsTheTextOfItsField)
         row.fill(contact(), "a text");
         EXPECT_EQ(string_of(row.field), "a text");
         EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "getContactString\n")));
-        EXPECT_THAT(platform.traces, Contains(traced("field : %d strData = %s\n",
-                                                     "field : " + std::to_string(row.field) + " strData = a text\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "field : %d strData = %s\n",
+                                                    "field : " + std::to_string(row.field) + " strData = a text\n")));
         for (const text_row& other : TEXTS) {
             if (other.field != row.field) {
                 EXPECT_EQ(string_of(other.field), "") << other.when;
@@ -300,8 +300,9 @@ TEST_F(ContactStringArray, OfANameIsFamilyGivenAndNickname)
         EXPECT_THAT(array_of(CONTACT_NAME, index), ElementsAre("Lovelace", "Ada", "Countess", "", "", "", "")) << index;
     const std::string names = "C_NAME, stringvaluess[currStringArrayIndex + ";
     EXPECT_THAT(platform.traces,
-                Contains(traced(names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
-    EXPECT_THAT(platform.traces, Contains(traced(names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
+                Contains(trace(TRACE_STEP, names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
 }
 
 TEST_F(ContactStringArray, TakesNamesShorterThanTheirLimits)
@@ -333,8 +334,9 @@ TEST_F(ContactStringArray, OfAnAddressIsItsSevenParts)
     EXPECT_THAT(array_of(CONTACT_ADDR, 1),
                 ElementsAre("pobox", "extra", "street", "locality", "region", "postal code", "country"));
     for (const part_row& row : PARTS)
-        EXPECT_THAT(platform.traces, Contains(traced("strData[%d] = %s", "strData[" + std::to_string(row.element) +
-                                                                             "] = " + std::string(row.when))));
+        EXPECT_THAT(platform.traces,
+                    Contains(trace(TRACE_STEP, "strData[%d] = %s",
+                                   "strData[" + std::to_string(row.element) + "] = " + std::string(row.when))));
 }
 
 TEST_F(ContactStringArray, TakesPartsShorterThanAnElement)
@@ -398,10 +400,10 @@ TEST_F(ContactCount, IsOneForASingleTextThatIsNotEmpty)
         EXPECT_EQ(count_values_contact(1, row.field), 0);
         row.fill(contact(), "a text");
         EXPECT_EQ(count_values_contact(1, row.field), 1);
-        EXPECT_THAT(platform.traces, Contains(traced("count_values_contact (field : %d, recindex : %d)\n",
-                                                     "count_values_contact (field : " + std::to_string(row.field) +
-                                                         ", recindex : 1)\n")));
-        EXPECT_THAT(platform.traces, Contains(traced("return count = %d\n", "return count = 1\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "count_values_contact (field : %d, recindex : %d)\n",
+                                                    "count_values_contact (field : " + std::to_string(row.field) +
+                                                        ", recindex : 1)\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "return count = %d\n", "return count = 1\n")));
         start_over();
     }
 }
@@ -577,8 +579,8 @@ TEST_F(ContactDate, IsTheBirthdayOrTheLastSave)
         EXPECT_EQ(getContactDate(1, CONTACT_BIRTHDAY, 0), row.birthday * 1000);
         EXPECT_EQ(getContactDate(1, CONTACT_REVISION, 0), row.revision * 1000);
     }
-    EXPECT_THAT(platform.traces, Contains(traced("getContactDate recindex = %d field = %d index = %d\n",
-                                                 "getContactDate recindex = 1 field = 101 index = 0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getContactDate recindex = %d field = %d index = %d\n",
+                                                "getContactDate recindex = 1 field = 101 index = 0\n")));
 }
 
 TEST_F(ContactDate, IsMinusAThousandForATimeThatMktimeRefuses)
@@ -636,9 +638,9 @@ TEST_F(ContactAttribute, OfOtherEntriesIsTheOneOfTheirType)
         EXPECT_EQ(attribute_of(CONTACT_URL, 4), row.homepage);
     }
     EXPECT_THAT(platform.traces,
-                Contains(traced("pimItemImpl_getAttributesN recindex = %d, field = %d, attrindex = %d\n",
-                                "pimItemImpl_getAttributesN recindex = 1, field = 100, attrindex = "
-                                "1\n")));
+                Contains(trace(TRACE_STEP, "pimItemImpl_getAttributesN recindex = %d, field = %d, attrindex = %d\n",
+                               "pimItemImpl_getAttributesN recindex = 1, field = 100, attrindex = "
+                               "1\n")));
 }
 
 TEST_F(ContactAttribute, OfAHomepageDoesNotNeedAText)
@@ -762,12 +764,12 @@ TEST_F(RecordDeleted, IsTheNegationOfTheStoresFlagForAContact)
     EXPECT_EQ(pimItemImpl_isRecordDeletedN(LIST_CONTACT, 1), 0);
     EXPECT_THAT(platform.calls, ElementsAre("contact_db_service_connect()", "contact_db_service_contact_is_exist(1)",
                                             "contact_db_service_disconnect()"));
-    EXPECT_THAT(platform.traces, Contains(traced("%s listtype:%d, recindex:%d\n",
-                                                 "pimItemImpl_isRecordDeletedN listtype:1, recindex:1\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("ret_val:%d\n", "ret_val:0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "%s listtype:%d, recindex:%d\n",
+                                                "pimItemImpl_isRecordDeletedN listtype:1, recindex:1\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "ret_val:%d\n", "ret_val:0\n")));
 
     EXPECT_EQ(pimItemImpl_isRecordDeletedN(LIST_CONTACT, 4711), 1);
-    EXPECT_THAT(platform.traces, Contains(traced("ret_val:%d\n", "ret_val:1\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "ret_val:%d\n", "ret_val:1\n")));
 }
 
 TEST_F(RecordDeleted, IsTheFlagsWordAloneWhenTheContactCannotBeLookedFor)
@@ -795,7 +797,7 @@ TEST_F(RecordDeleted, NeedsTheStoreToSayThatAnItemIsNotFound)
         const std::string format =
             "ORG_ERR_RECORD_NOT_FOUND ret_val set to true  ***, "
             "org_db_service_get_record_full_field_by_index is failed (error_code = ";
-        EXPECT_THAT(platform.traces, Contains(traced(format + "%d)\n", format + "6)\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, format + "%d)\n", format + "6)\n")));
         platform.traces.clear();
 
         platform.fail("org_db_service_get_record_full_field_by_index", 5);

@@ -144,7 +144,7 @@ TEST_F(EventCommitTexts, BehindOneThatIsTooLongAreStillProcessed)
     // A second refusal says nothing new, and neither do the long values.
     EXPECT_EQ(commit(commit_values().text(107, xs(257)).text(104, xs(1025)).text(103, "Turin").number(999, 0)),
               REFUSED);
-    EXPECT_THAT(platform.traces, Contains(traced("unknown long field:%d\n", "unknown long field:999\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "unknown long field:%d\n", "unknown long field:999\n")));
 }
 
 TEST_F(EventCommitTexts, ThatAreNullTakeTheirPlaceAndNothingElse)
@@ -266,8 +266,8 @@ TEST_F(EventCommitDates, OfUnknownCodesAreTracedAndIgnored)
         untouched.index = event.record.index;
         untouched.kind = 1;
         EXPECT_EQ(bytes_of(event.record), bytes_of(untouched));
-        EXPECT_THAT(platform.traces,
-                    Contains(traced("unknown long field:%d\n", "unknown long field:" + std::to_string(code) + "\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "unknown long field:%d\n",
+                                                    "unknown long field:" + std::to_string(code) + "\n")));
         start_over();
     }
 }
@@ -391,8 +391,8 @@ TEST_F(EventCommit, AddsANewEventForAnIndexBelowOne)
                                 "org_db_service_add_record_full_field(8)", "org_db_service_disconnect_database()",
                                 "org_db_service_free_full_record()"));
         EXPECT_THAT(platform.traces,
-                    Contains(traced("Before add in event----->recindex %d\n",
-                                    "Before add in event----->recindex " + std::to_string(recindex) + "\n")));
+                    Contains(trace(TRACE_STEP, "Before add in event----->recindex %d\n",
+                                   "Before add in event----->recindex " + std::to_string(recindex) + "\n")));
         EXPECT_THAT(platform.traces, Contains(Field(&trace_message::format, "org_sch_record.index=%d, index=%d\n")));
         start_over();
     }

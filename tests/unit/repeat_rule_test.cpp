@@ -246,14 +246,15 @@ TEST_F(RepeatFields, AreThoseOfTheTermWithTheEndFirst)
         SCOPED_TRACE(row.when);
         event().repeat_term = row.term;
         EXPECT_EQ(fields_of(1), row.fields);
-        EXPECT_THAT(platform.traces, Contains(traced("qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
-                                                     "is %d\n",
-                                                     "qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
-                                                     "is " +
-                                                         std::to_string(row.term) + "\n")));
-        EXPECT_THAT(platform.traces, Contains(traced("qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet %d\n",
-                                                     "qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet " +
-                                                         std::to_string(row.fields.size()) + "\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP,
+                                                    "qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
+                                                    "is %d\n",
+                                                    "qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
+                                                    "is " +
+                                                        std::to_string(row.term) + "\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet %d\n",
+                                                    "qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet " +
+                                                        std::to_string(row.fields.size()) + "\n")));
 
         event().repeat_end_or_due.time = local_time(2010, 1, 1);
         std::vector<int32_t> with_end = {4};

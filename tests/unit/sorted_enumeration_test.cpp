@@ -107,7 +107,7 @@ TEST_F(SortedTodos, MustBeStrictlyLater)
     add_due(1, 10);
     EXPECT_THAT(found(TODO_DUE, 10 * DAY - 1), ElementsAre(1, 1));
     EXPECT_THAT(found(TODO_DUE, 10 * DAY), ElementsAre(0));
-    EXPECT_THAT(platform.traces, Contains(traced("Ignore item:%lld\n", "Ignore item:864000000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "Ignore item:%lld\n", "Ignore item:864000000\n")));
 }
 
 TEST_F(SortedTodos, AreOrderedByTheDateOfTheField)
@@ -154,7 +154,7 @@ TEST_F(SortedTodos, ByAFieldWithoutADateShareTheValueZero)
         add_due(2, 20);
         EXPECT_THAT(found(field, 0), ElementsAre(0));
         EXPECT_THAT(found(field, -1), ElementsAre(2, 1, 2));
-        const auto unsupported = traced("Unsupported date field...\n", "Unsupported date field...\n");
+        const auto unsupported = trace(TRACE_STEP, "Unsupported date field...\n", "Unsupported date field...\n");
         if (field == 0x1000001)
             EXPECT_THAT(platform.traces, Not(Contains(unsupported)));
         else
@@ -201,7 +201,8 @@ TEST_F(SortedTodos, OfAnEmptyStoreAreNoneAfterThreeCloses)
     calls.emplace_back("org_db_service_get_record_count(9)");
     for (const std::string& call : times(2, close)) calls.push_back(call);
     EXPECT_EQ(platform.calls, calls);
-    EXPECT_THAT(platform.traces, Contains(traced("no org record available...\n", "no org record available...\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "no org record available...\n", "no org record available...\n")));
 }
 
 TEST_F(SortedTodos, AreANegativeCountWhereTheStoreCountsSo)
@@ -209,7 +210,8 @@ TEST_F(SortedTodos, AreANegativeCountWhereTheStoreCountsSo)
     add_due(1, 10);
     platform.reported_counts["org_db_service_get_record_count"] = -5;
     EXPECT_THAT(found(TODO_DUE, 0), ElementsAre(-5));
-    EXPECT_THAT(platform.traces, Contains(traced("no org record available...\n", "no org record available...\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "no org record available...\n", "no org record available...\n")));
     EXPECT_THAT(platform.calls_of("org_db_service_disconnect_database"), SizeIs(3));
     EXPECT_THAT(platform.calls_of(FETCH), IsEmpty());
 }
@@ -393,7 +395,7 @@ TEST_F(SortedEvents, MustStartStrictlyLater)
     add_start(1, 10);
     EXPECT_EQ(found(10 * DAY - 1).front(), 1);
     EXPECT_EQ(found(10 * DAY).front(), -1);
-    EXPECT_THAT(platform.traces, Contains(traced("Ignore item:%lld\n", "Ignore item:864000000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "Ignore item:%lld\n", "Ignore item:864000000\n")));
 }
 
 TEST_F(SortedEvents, WithoutAStartCountAsASecondBeforeTheEpoch)
@@ -424,10 +426,11 @@ TEST_F(SortedEvents, AreTracedStepByStep)
 {
     add_start(1, 10);
     found(0);
-    EXPECT_THAT(platform.traces, Contains(traced("pass 1 %lld\n", "pass 1 864000000\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("pass 2 %lld\n", "pass 2 864000000\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is %d\n",
-                                                 "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is 1\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "pass 1 %lld\n", "pass 1 864000000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "pass 2 %lld\n", "pass 2 864000000\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is %d\n",
+                               "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is 1\n")));
 }
 
 TEST_F(SortedEvents, HaveABufferOfOneEntryMoreThanTheyAre)
@@ -463,7 +466,8 @@ TEST_F(SortedEvents, OfAnEmptyStoreAreNoneWithTheRecordLeftUnreleased)
     EXPECT_THAT(platform.calls,
                 ElementsAre("org_db_service_connect_database()", "org_db_service_init_full_record()",
                             "org_db_service_get_record_count(8)", "org_db_service_disconnect_database()"));
-    EXPECT_THAT(platform.traces, Contains(traced("B-StoredEvent count is 0\n", "B-StoredEvent count is 0\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "B-StoredEvent count is 0\n", "B-StoredEvent count is 0\n")));
     EXPECT_EQ(unreleased_blocks(), 7u);
     keep_blocks("the record of an empty store is not released");
 }

@@ -126,7 +126,7 @@ TEST_F(TodoCommitTexts, OfOtherCodesAreTracedAndIgnored)
         EXPECT_EQ(todo.description, "");
         EXPECT_EQ(todo.location, "");
         EXPECT_THAT(platform.traces,
-                    Contains(traced("unknown field:%d\n", "unknown field:" + std::to_string(field) + "\n")));
+                    Contains(trace(TRACE_STEP, "unknown field:%d\n", "unknown field:" + std::to_string(field) + "\n")));
         start_over();
     }
 }
