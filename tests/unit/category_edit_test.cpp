@@ -500,6 +500,14 @@ TEST_F(DeleteCategory, DeletesOnlyTheFirstOfSeveralOfThatName)
     EXPECT_THAT(platform.contact_indexes(), ElementsAre(3, 4));
 }
 
+TEST_F(DeleteCategory, DeletesTheOnlyOne)
+{
+    platform.groups.erase(platform.groups.begin());
+    EXPECT_EQ(remove("Work"), 1);
+    EXPECT_THAT(platform.groups, IsEmpty());
+    EXPECT_THAT(allocation_sizes(), ElementsAre(1352));
+}
+
 TEST_F(DeleteCategory, DeletesNothingWithoutSuchACategory)
 {
     EXPECT_EQ(remove("Nowhere", 1), 1);
@@ -515,6 +523,7 @@ TEST_F(DeleteCategory, FindsNothingForANameThatTheQueryCannotHold)
     for (size_t length : {128u, 129u, 5000u}) {
         SCOPED_TRACE(length);
         EXPECT_EQ(remove(std::string(length, 'x').c_str(), 1), 1);
+        EXPECT_THAT(platform.calls_of("contact_db_service_group_search"), IsEmpty());
         EXPECT_THAT(platform.calls_of("contact_db_service_group_delete"), IsEmpty());
     }
 }
@@ -569,6 +578,17 @@ TEST_F(DeleteCategory, FailsWhenTheRecordsCannotBeAllocated)
     EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_RECOVERABLE, "memory allocation failed..\n")));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
     EXPECT_THAT(platform.group_names(), ElementsAre("Home", "Work"));
+}
+
+TEST_F(DeleteCategory, FailsWhenTheMemberListCannotBeAllocated)
+{
+    fail_allocation(2);
+    EXPECT_EQ(remove("Work", 1), 0);
+    EXPECT_TRUE(allocation_failed());
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_RECOVERABLE, "memory allocation failed..\n")));
+    EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
+    EXPECT_THAT(platform.group_names(), ElementsAre("Home", "Work"));
+    EXPECT_THAT(platform.contact_indexes(), SizeIs(4));
 }
 
 TEST_F(DeleteCategory, SucceedsWithoutMemoryWhenTheConnectionCannotBeClosed)
