@@ -742,6 +742,13 @@ TEST_F(PreferredIndex, IsMinusOneWithoutSuchAnEntry)
         EXPECT_EQ(ContactImp_getPreferredIndexN(9, 1, field), -1) << field;
 }
 
+TEST_F(PreferredIndex, IsTracedFirstInTheReadersName)
+{
+    ContactImp_getPreferredIndexN(9, 1, CONTACT_TEL);
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "ContactImp_getPreferredIndexN"),
+                                               Field(&trace_message::calls_before, 0u)));
+}
+
 TEST_F(PreferredIndex, IsMinusOneForAnyOtherField)
 {
     for (int32_t field : {99, 101, 106, 107, 108, 116, 0, -1})

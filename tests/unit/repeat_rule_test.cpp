@@ -10,8 +10,10 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
 
 namespace {
@@ -301,6 +303,18 @@ TEST_F(RepeatFields, ThroughTheNativeAreAnEmptyArrayWhereThereAreNone)
         ASSERT_NE(array, nullptr) << recindex;
         EXPECT_THAT(jni.values(array), IsEmpty()) << recindex;
     }
+}
+
+TEST_F(RepeatRule, IsTracedFirstInTheReadersName)
+{
+    const auto entry_of = [](const char* function) {
+        return AllOf(Field(&trace_message::function, function), Field(&trace_message::calls_before, 0u));
+    };
+    EventImpl_getRepeatIntN(1, 6);
+    EXPECT_THAT(platform.traces.front(), entry_of("EventImpl_getRepeatIntN"));
+    start_over();
+    EventImpl_getRepeatDateN(1, 4);
+    EXPECT_THAT(platform.traces.front(), entry_of("EventImpl_getRepeatDateN"));
 }
 
 TEST_F(RepeatRule, HasNoExceptDates)

@@ -1,5 +1,6 @@
 // Walking events and to-dos in the order of their dates.
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "todoimp_limo_arm.h"
 #include "unit_test.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -214,6 +216,19 @@ TEST_F(SortedTodos, AreANegativeCountWhereTheStoreCountsSo)
                 Contains(trace(TRACE_STEP, "no org record available...\n", "no org record available...\n")));
     EXPECT_THAT(platform.calls_of("org_db_service_disconnect_database"), SizeIs(3));
     EXPECT_THAT(platform.calls_of(FETCH), IsEmpty());
+}
+
+TEST_F(SortedTodos, AreMinusOneWhenTheSecondCloseFails)
+{
+    for (const bool counted : {true, false}) {
+        SCOPED_TRACE(counted ? "an empty store" : "they cannot be counted");
+        if (!counted) platform.fail("org_db_service_get_record_count", 32);
+        platform.fail_call("org_db_service_disconnect_database", 2, 35);
+        EXPECT_THAT(found(TODO_DUE, 0), ElementsAre(-1));
+        EXPECT_THAT(platform.traces, Contains(failed_close("ToDoListImpl_nextSortedToDoN")));
+        EXPECT_EQ(platform.calls.back(), "org_db_service_disconnect_database()");
+        start_over();
+    }
 }
 
 TEST_F(SortedTodos, AreReadUntilAllOfThemWereSeen)
@@ -426,6 +441,8 @@ TEST_F(SortedEvents, AreTracedStepByStep)
 {
     add_start(1, 10);
     found(0);
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "EventListImpl_nextSortedEventN"),
+                                               Field(&trace_message::calls_before, 0u)));
     EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "pass 1 %lld\n", "pass 1 864000000\n")));
     EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "pass 2 %lld\n", "pass 2 864000000\n")));
     EXPECT_THAT(platform.traces,
@@ -525,6 +542,7 @@ TEST_F(SortedEvents, AreMinusOneWhenTheBufferCannotBeAllocated)
     add_start(1, 10);
     fail_allocation(8); // Behind the record's seven buffers.
     EXPECT_THAT(found(0), ElementsAre(-1));
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_HARD, "memory allocation failed..\n")));
     EXPECT_EQ(platform.calls.back(), "org_db_service_free_full_record()");
 }
 
@@ -541,6 +559,33 @@ TEST_F(SortedEvents, AreMinusOneWhenTheCloseFails)
                     Not(Contains(Field(&trace_message::format,
                                        "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is %d\n"))));
         keep_blocks("a connection that would not close keeps the record's buffers");
+        start_over();
+    }
+}
+
+TEST_F(SortedEvents, AreMinusOneWhenTheCloseFailsBehindAnotherFailure)
+{
+    struct row {
+        const char* when;
+        std::function<void()> arrange;
+    };
+    const row rows[] = {
+        {"they cannot be counted", [&] { platform.fail("org_db_service_get_record_count", 32); }},
+        {"none is later", [] {}},
+        {"the buffer cannot be allocated",
+         [&] {
+             add_start(2, 10);
+             fail_allocation(8);
+         }},
+    };
+    for (const row& row : rows) {
+        SCOPED_TRACE(row.when);
+        add_start(1, 0);
+        row.arrange();
+        platform.fail("org_db_service_free_full_record", 35);
+        EXPECT_THAT(found(0), ElementsAre(-1));
+        EXPECT_THAT(platform.traces, Contains(failed_close("EventListImpl_nextSortedEventN")));
+        keep_blocks("a record that would not be released");
         start_over();
     }
 }
