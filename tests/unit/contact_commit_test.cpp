@@ -226,6 +226,45 @@ TEST_F(ContactCommitTexts, ThatAreNullLeaveTheirFieldEmpty)
     EXPECT_EQ(added(commit_values().text(CONTACT_NOTE, std::nullopt)).note, std::nullopt);
 }
 
+TEST_F(ContactCommitTexts, ThatAreNullAndThoseRefusedConsumeOne)
+{
+    const std::string far_too_long = xs(1000);
+    struct row {
+        const char* when;
+        commit_values values;
+    };
+    std::vector<row> rows = {
+        {"a null note", commit_values().text(CONTACT_NOTE, std::nullopt)},
+        {"a homepage past the slots", commit_values().text(CONTACT_URL, "page", 0, CONTACT_HOMEPAGE_MAX)},
+        {"a negative value index", commit_values().text(CONTACT_NOTE, "note", 0, -1)},
+    };
+    for (const text_row& text : TEXTS) {
+        rows.push_back({text.when, commit_values().text(text.field, std::nullopt)});
+        rows.push_back({text.when, commit_values().text(text.field, far_too_long)});
+    }
+    for (row& row : rows) {
+        SCOPED_TRACE(row.when);
+        console_of([&] { commit(row.values.text(CONTACT_ORG, "Org")); });
+        EXPECT_THAT(platform.traces,
+                    Contains(trace_text(TRACE_STEP, "curField : 109 currStringArrayIndex : 1 currAtrrib : 0\n")));
+        start_over();
+    }
+}
+
+TEST_F(ContactCommit, LooksAtNoEntryBehindTheCounts)
+{
+    const stored_contact& contact = added(commit_values()
+                                              .text(CONTACT_NICKNAME, "Ada")
+                                              .text(CONTACT_ORG, "behind")
+                                              .number(CONTACT_BIRTHDAY, 0)
+                                              .number(CONTACT_REVISION, 5000)
+                                              .without_counting_the_last());
+    EXPECT_STREQ(contact.record.nickname, "Ada");
+    EXPECT_STREQ(contact.record.company_name, "");
+    EXPECT_EQ(contact.record.birthday.year, 70);
+    EXPECT_EQ(contact.record.save_time.sec, 0);
+}
+
 TEST_F(ContactCommitTexts, ThatAreEmptyAreValues)
 {
     const stored_contact& contact =
@@ -247,7 +286,7 @@ TEST_F(ContactCommitTexts, OfUnknownFieldsTakeOneTextAndAreIgnored)
 
 TEST_F(ContactCommitTexts, AreTracedEntryByEntry)
 {
-    added(commit_values().texts(CONTACT_ADDR, WHOLE_ADDRESS, 8).text(CONTACT_TEL, "1", 4));
+    added(commit_values().texts(CONTACT_ADDR, WHOLE_ADDRESS, 8).text(CONTACT_TEL, "1", 4).number(CONTACT_BIRTHDAY, 0));
     const char* format = "curField : %d currStringArrayIndex : %d currAtrrib : %d\n";
     EXPECT_THAT(platform.traces,
                 Contains(trace(TRACE_STEP, format, "curField : 100 currStringArrayIndex : 0 currAtrrib : 8\n")));
@@ -255,7 +294,7 @@ TEST_F(ContactCommitTexts, AreTracedEntryByEntry)
                 Contains(trace(TRACE_STEP, format, "curField : 115 currStringArrayIndex : 7 currAtrrib : 4\n")));
     EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "pimItemImpl_contact_commitN\n")));
     EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "stringids[0] : %d, longvalue[0] : %lld\n",
-                                                "stringids[0] : 2, longvalue[0] : 0\n")));
+                                                "stringids[0] : 2, longvalue[0] : 1\n")));
 }
 
 TEST_F(ContactCommitTexts, OfATitleAreToldToTheConsole)
@@ -861,9 +900,16 @@ TEST_F(ContactCommitCategories, AreCountedThoughTheCountMayFail)
 {
     platform.add_group(3, "Work");
     platform.fail("contact_db_service_group_get_count", 44);
-    added(commit_values().category("Work"));
+    EXPECT_EQ(added(commit_values().category("Work")).record.membership[3], 0) << "no group is looked at";
     EXPECT_THAT(platform.traces, Contains(trace(TRACE_HARD, "contact_db_service_group_get_count Fail..(%d)\n",
                                                 "contact_db_service_group_get_count Fail..(44)\n")));
+}
+
+TEST_F(ContactCommitCategories, HaveNoGroupsToBeFoundInAStoreWithout)
+{
+    added(commit_values().category("Work"));
+    EXPECT_THAT(platform.calls_of("contact_db_service_group_search"),
+                ElementsAre("contact_db_service_group_search(\"id >= 0\", 20, 0, 0, 0)"));
 }
 
 TEST_F(ContactCommitCategories, AreLeftAloneWhenTheGroupsCannotBeSearched)
@@ -934,6 +980,7 @@ TEST_F(ContactCommitCategories, FailTheCommitWhenTheGroupsCannotBeAllocated)
     commit_values values;
     const int32_t result = commit(values.category("Work"));
     EXPECT_TRUE(result < 0 || result > 10000) << result;
+    EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
     EXPECT_THAT(platform.contacts, IsEmpty());
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
@@ -1163,6 +1210,7 @@ TEST_F(ContactCommitFailure, OfTheNotesAllocationSavesNothing)
     commit_values values;
     const int32_t result = commit(values.text(CONTACT_NOTE, "a note"));
     EXPECT_TRUE(result < 0 || result > 10000) << result;
+    EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
     EXPECT_THAT(platform.contacts, IsEmpty());
 }
 

@@ -398,6 +398,27 @@ TEST_F(EventCommit, AddsANewEventForAnIndexBelowOne)
     }
 }
 
+TEST_F(EventCommit, IsTracedFirstInItsName)
+{
+    added(commit_values());
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "pimItemImpl_event_commitN"),
+                                               Field(&trace_message::calls_before, 0u)));
+}
+
+TEST_F(EventCommit, LooksAtNoEntryBehindTheCounts)
+{
+    const stored_item& event = added(commit_values()
+                                         .text(EVENT_NOTE, "note")
+                                         .text(EVENT_SUMMARY, "behind")
+                                         .number(EVENT_END, 0)
+                                         .number(EVENT_ALARM, 5000)
+                                         .without_counting_the_last());
+    EXPECT_EQ(event.description, "note");
+    EXPECT_EQ(event.summary, "");
+    EXPECT_EQ(event.record.end_date_time.time.year, 70);
+    EXPECT_EQ(event.record.alarm_time.time.year, 0);
+}
+
 TEST_F(EventCommit, ReplacesTheWholeStoredEvent)
 {
     stored_item& event = platform.add_item(ORG_TYPE_EVENT, 3, "old");

@@ -394,6 +394,7 @@ int contact_db_service_contact_update(int reserved, int recindex, contact_record
     return platform.perform(__func__, listed({recindex}), error, nullptr, [&] {
         stored_contact* stored = platform.find_contact(recindex);
         if (stored == nullptr) return static_cast<int>(CONTACT_ERROR_NOT_FOUND);
+        if (contact->index != recindex) platform.violations.emplace_back("a contact updated under a foreign index");
         *stored = stored_from(*contact);
         return 0;
     });
@@ -751,6 +752,7 @@ int org_db_service_update_record_full_field(int index, org_full_record* record, 
     return platform.perform(__func__, listed({index}), error, nullptr, [&] {
         stored_item* item = platform.find_item(index);
         if (item == nullptr) return static_cast<int>(ORG_ERR_RECORD_NOT_FOUND);
+        if (record->index != index) platform.violations.emplace_back("an item updated under a foreign index");
         *item = stored_from(item->type, index, *record);
         return 0;
     });

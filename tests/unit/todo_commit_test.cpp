@@ -341,6 +341,20 @@ TEST_F(TodoCommit, AddsANewTodoForAnIndexBelowOne)
     }
 }
 
+TEST_F(TodoCommit, LooksAtNoEntryBehindTheCounts)
+{
+    const stored_item& todo = added(commit_values()
+                                        .text(TODO_NOTE, "note")
+                                        .text(TODO_SUMMARY, "behind")
+                                        .number(TODO_DUE, 0)
+                                        .number(TODO_COMPLETION_DATE, 5000)
+                                        .without_counting_the_last());
+    EXPECT_EQ(todo.description, "note");
+    EXPECT_EQ(todo.summary, "");
+    EXPECT_EQ(todo.record.repeat_end_or_due.time.year, 70);
+    EXPECT_EQ(todo.record.end_date_time.time.year, 0);
+}
+
 TEST_F(TodoCommit, ReplacesTheWholeStoredTodo)
 {
     stored_item& todo = platform.add_item(ORG_TYPE_TODO, 3, "old");
