@@ -790,6 +790,7 @@ TEST_F(AddCategoryNative, ReturnsWhenTheNameCannotBeHad)
     jni.fail("GetStringUTFChars");
     Java_com_qvr_zek_pim_PIMListImpl_addCategoryN(jni.env(), nullptr, LIST_CONTACT, 0, jni.string("Work"));
     EXPECT_THAT(platform.calls, IsEmpty());
+    EXPECT_THAT(platform.traces, Contains(Field(&trace_message::format, "pimlistImpl_addCategoryN fail..\n")));
     keep_exception("the machine's own error goes on to Java");
 }
 

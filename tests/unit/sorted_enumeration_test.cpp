@@ -602,6 +602,14 @@ TEST_F(SortedEventsNative, AreAnArrayOfTheirNumberWhoseBlockIsNotReleased)
     keep_blocks("the native does not release the scan's block");
 }
 
+TEST_F(SortedEventsNative, AreAnArrayOfTheOnlyOne)
+{
+    add_start(4, 0);
+    jintArray array = Java_com_qvr_zek_pim_EventListImpl_nextSortedEventN(jni.env(), nullptr, HANDLE, -1);
+    EXPECT_THAT(jni.values(array), ElementsAre(4));
+    keep_blocks("the native does not release the scan's block");
+}
+
 TEST_F(SortedEventsNative, AreZerosWhereNoneIsNamed)
 {
     add_start(4, 10);
