@@ -11,6 +11,7 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -298,6 +299,8 @@ TEST_F(ContactStringArray, OfANameIsFamilyGivenAndNickname)
     put_into(contact().record.nickname, "Countess");
     for (int32_t index : {0, 1, -1, 1000000})
         EXPECT_THAT(array_of(CONTACT_NAME, index), ElementsAre("Lovelace", "Ada", "Countess", "", "", "", "")) << index;
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "getContactStringArray"),
+                                               Field(&trace_message::calls_before, 0u)));
     const std::string names = "C_NAME, stringvaluess[currStringArrayIndex + ";
     EXPECT_THAT(platform.traces,
                 Contains(trace(TRACE_STEP, names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
@@ -536,6 +539,8 @@ TEST_F(ContactFields, AreListedInTheirFixedOrder)
     std::array<int32_t, LISTED_FIELDS_MAX> fields = {};
     EXPECT_EQ(getField_contact(1, fields), 11);
     EXPECT_THAT(fields, ElementsAre(100, 106, 103, 107, 108, 109, 115, 116, 118, 101, 114));
+    EXPECT_THAT(platform.traces.front(),
+                AllOf(Field(&trace_message::function, "getField_contact"), Field(&trace_message::calls_before, 0u)));
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::text, "getField_contact return 11\n")));
     EXPECT_EQ(platform.calls_of("contact_db_service_contact_get").size(), 11u) << "each count fetches the record anew";
 }
@@ -583,6 +588,11 @@ TEST_F(ContactDate, IsTheBirthdayOrTheLastSave)
     }
     EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getContactDate recindex = %d field = %d index = %d\n",
                                                 "getContactDate recindex = 1 field = 101 index = 0\n")));
+    for (const char* conversion : {"1262304000", "1262271600", "1262300400"})
+        EXPECT_THAT(platform.traces, Contains(trace_text(TRACE_STEP,
+                                                         "birthday year:110 mon:0 mday:1 hour:0 min:0 sec:0 "
+                                                         "toUTCtime = " +
+                                                             std::string(conversion) + "\n")));
 }
 
 TEST_F(ContactDate, IsMinusAThousandForATimeThatMktimeRefuses)
@@ -648,6 +658,19 @@ TEST_F(ContactAttribute, OfOtherEntriesIsTheOneOfTheirType)
 TEST_F(ContactAttribute, OfAHomepageDoesNotNeedAText)
 {
     EXPECT_EQ(attribute_of(CONTACT_URL, 0), 0x100000a) << "an empty slot has type 0";
+}
+
+TEST_F(ContactAttribute, OfNoEntriesIsOutOfRangeWhateverTheirArrayHolds)
+{
+    contact().addresses = {an_address(1)};
+    contact().emails = {an_email("a", 1)};
+    contact().phones = {a_phone("1", 4)};
+    platform.alter_contact = [](contact_record& record) {
+        record.phone_count = record.email_count = record.postal_count = 0;
+    };
+    EXPECT_EQ(attribute_of(CONTACT_ADDR, 0), 0);
+    EXPECT_EQ(attribute_of(CONTACT_TEL, 0), 0);
+    EXPECT_EQ(attribute_of(CONTACT_EMAIL, 0), 0x1000008);
 }
 
 // Kept: an e-mail address that is not there counts as a private one.

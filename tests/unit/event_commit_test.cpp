@@ -11,6 +11,7 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
