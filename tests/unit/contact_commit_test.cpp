@@ -11,6 +11,7 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+using testing::AnyOf;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
@@ -885,6 +886,16 @@ TEST_F(ContactCommitCategories, AreNotLookedForWhenThereAreNone)
     EXPECT_THAT(platform.calls_of("contact_db_service_group_search"), IsEmpty());
 }
 
+TEST_F(ContactCommitCategories, AreNoneWhenTheyAreCountedBelowZero)
+{
+    platform.add_group(3, "Work");
+    commit_values values;
+    CommitRequest request = values.category("Work").request(0);
+    request.categorycount = -1;
+    EXPECT_EQ(pimItemImpl_contact_commitN(request), 1);
+    EXPECT_EQ(platform.find_contact(1)->record.membership[3], 0);
+}
+
 TEST_F(ContactCommitCategories, AreOnlyEverAddedByAnUpdate)
 {
     platform.add_contact(1);
@@ -978,8 +989,7 @@ TEST_F(ContactCommitCategories, FailTheCommitWhenTheGroupsCannotBeAllocated)
     platform.add_group(3, "Work");
     fail_allocations_of(sizeof(contact_group_record));
     commit_values values;
-    const int32_t result = commit(values.category("Work"));
-    EXPECT_TRUE(result < 0 || result > 10000) << result;
+    EXPECT_THAT(commit(values.category("Work")), AnyOf(-1, REFUSED));
     EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
     EXPECT_THAT(platform.contacts, IsEmpty());
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
@@ -1208,8 +1218,9 @@ TEST_F(ContactCommitFailure, OfTheNotesAllocationSavesNothing)
 {
     fail_allocations_of(sizeof "a note");
     commit_values values;
-    const int32_t result = commit(values.text(CONTACT_NOTE, "a note"));
-    EXPECT_TRUE(result < 0 || result > 10000) << result;
+    EXPECT_THAT(commit(values.text(CONTACT_NOTE, "a note").text(CONTACT_ORG, "Org")), AnyOf(-1, REFUSED));
+    EXPECT_THAT(platform.traces,
+                Contains(trace_text(TRACE_STEP, "curField : 109 currStringArrayIndex : 1 currAtrrib : 0\n")));
     EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
     EXPECT_THAT(platform.contacts, IsEmpty());
 }

@@ -225,6 +225,8 @@ TEST_F(TodoPriority, IsTheStoresLevelWhereItIsOne)
     }
     EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getTodoInt ORG_PRIORITY_LOW %d and ORG_PRIORITY_HIGH %d ",
                                                 "getTodoInt ORG_PRIORITY_LOW 0 and ORG_PRIORITY_HIGH 2 ")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getTodoInt recindex = %d field = %d index = %d\n",
+                                                "getTodoInt recindex = 1 field = 105 index = 0\n")));
 }
 
 TEST_F(TodoPriority, IsTheOnlyNumberOfAToDo)
