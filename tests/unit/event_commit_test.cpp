@@ -16,6 +16,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -125,6 +126,9 @@ TEST_F(EventCommitTexts, OneByteOverRefuseTheWholeEvent)
         EXPECT_THAT(platform.calls,
                     ElementsAre("org_db_service_connect_database()", "org_db_service_init_full_record()",
                                 "org_db_service_disconnect_database()", "org_db_service_free_full_record()"));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "field:%d takes %d bytes\n",
+                                                    "field:" + std::to_string(row.field) + " takes " +
+                                                        std::to_string(row.limit) + " bytes\n")));
         EXPECT_THAT(platform.traces, Contains(traced("pim_error_code != 0 somewhere Fail..\n",
                                                      "pim_error_code != 0 somewhere Fail..\n")));
         start_over();
@@ -315,6 +319,7 @@ TEST_F(EventCommitRepeat, KeepsAnIntervalOnlyBehindItsFrequency)
     const stored_item before = added(commit_values().number(6, 3).number(5, 17));
     EXPECT_EQ(before.record.repeat_term, 2);
     EXPECT_EQ(before.record.repeat_interval, 1);
+    EXPECT_THAT(platform.traces, Not(Contains(Field(&trace_message::format, "unknown long field:%d\n"))));
 }
 
 TEST_F(EventCommitRepeat, KeepsTheLowThirtyTwoBitsOfAnInterval)
@@ -362,6 +367,7 @@ TEST_F(EventCommitYears, LeaveAnEndInALaterYear)
 {
     const stored_item& event = added(commit_values().number(106, NEW_YEAR_2023).number(102, NEW_YEAR_2024));
     EXPECT_EQ(event.record.start_date_time.time.year, 123);
+    EXPECT_THAT(platform.traces, Contains(trace_text(TRACE_STEP, "start year 123, end year 124\n")));
 }
 
 TEST_F(EventCommitYears, MoveAStartWithoutAnEndTo1900)

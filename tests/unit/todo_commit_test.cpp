@@ -9,6 +9,7 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -339,6 +340,13 @@ TEST_F(TodoCommit, AddsANewTodoForAnIndexBelowOne)
                                 "org_db_service_free_full_record()"));
         start_over();
     }
+}
+
+TEST_F(TodoCommit, IsTracedFirstInItsName)
+{
+    added(commit_values());
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "pimItemImpl_todo_commitN"),
+                                               Field(&trace_message::calls_before, 0u)));
 }
 
 TEST_F(TodoCommit, LooksAtNoEntryBehindTheCounts)
