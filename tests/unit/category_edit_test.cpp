@@ -170,7 +170,7 @@ TEST_F(AddCategory, SucceedsForANameThatIsThereAlready)
     EXPECT_EQ(add("Work"), 1);
     EXPECT_THAT(platform.group_names(), ElementsAre("Work"));
     EXPECT_THAT(platform.traces,
-                Contains(traced("contact group exist same name..\n", "contact group exist same name..\n")));
+                Contains(trace(TRACE_STEP, "contact group exist same name..\n", "contact group exist same name..\n")));
     EXPECT_THAT(platform.traces.back(),
                 trace(TRACE_STEP, "%s return TRUE\n", "pimlistImpl_addCategoryN return TRUE\n"));
 }
@@ -188,8 +188,8 @@ TEST_F(AddCategory, AddsNothingWhenTheNameCannotBeLookedUp)
     EXPECT_EQ(add("Work"), 1);
     EXPECT_THAT(platform.groups, IsEmpty());
     EXPECT_THAT(platform.traces,
-                Contains(traced("contact_db_service_group_exist_same_name false - same name exist\n",
-                                "contact_db_service_group_exist_same_name false - same name exist\n")));
+                Contains(trace(TRACE_HARD, "contact_db_service_group_exist_same_name false - same name exist\n",
+                               "contact_db_service_group_exist_same_name false - same name exist\n")));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
 
@@ -269,8 +269,8 @@ TEST_F(RenameCategory, TriesTheKeysInTurnUntilAllGroupsWereSeen)
                             "contact_db_service_group_get(0)", "contact_db_service_group_get(1)",
                             "contact_db_service_group_get(2)", "contact_db_service_group_get(3)",
                             "contact_db_service_group_update(3, \"Office\")", "contact_db_service_disconnect()"));
-    EXPECT_THAT(platform.traces, Contains(traced("contact_db_service_group_get is fail..\n",
-                                                 "contact_db_service_group_get is fail..\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_HARD, "contact_db_service_group_get is fail..\n",
+                                                "contact_db_service_group_get is fail..\n")));
 }
 
 TEST_F(RenameCategory, TriesNoKeyAboveTwentyNine)
@@ -410,8 +410,9 @@ TEST_F(RenameCategory, FailsAtTheFirstGroupThatTheStoreRefuses)
     platform.fail("contact_db_service_group_update", 65);
     EXPECT_EQ(rename("Work", "Office"), 0);
     EXPECT_THAT(platform.calls_of("contact_db_service_group_update"), SizeIs(1));
-    EXPECT_THAT(platform.traces, Contains(traced("contact_db_service_group_update is failed error_code = %d\n",
-                                                 "contact_db_service_group_update is failed error_code = 65\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_HARD, "contact_db_service_group_update is failed error_code = %d\n",
+                               "contact_db_service_group_update is failed error_code = 65\n")));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
 
@@ -499,6 +500,14 @@ TEST_F(DeleteCategory, DeletesOnlyTheFirstOfSeveralOfThatName)
     EXPECT_THAT(platform.contact_indexes(), ElementsAre(3, 4));
 }
 
+TEST_F(DeleteCategory, DeletesTheOnlyOne)
+{
+    platform.groups.erase(platform.groups.begin());
+    EXPECT_EQ(remove("Work"), 1);
+    EXPECT_THAT(platform.groups, IsEmpty());
+    EXPECT_THAT(allocation_sizes(), ElementsAre(1352));
+}
+
 TEST_F(DeleteCategory, DeletesNothingWithoutSuchACategory)
 {
     EXPECT_EQ(remove("Nowhere", 1), 1);
@@ -514,6 +523,7 @@ TEST_F(DeleteCategory, FindsNothingForANameThatTheQueryCannotHold)
     for (size_t length : {128u, 129u, 5000u}) {
         SCOPED_TRACE(length);
         EXPECT_EQ(remove(std::string(length, 'x').c_str(), 1), 1);
+        EXPECT_THAT(platform.calls_of("contact_db_service_group_search"), IsEmpty());
         EXPECT_THAT(platform.calls_of("contact_db_service_group_delete"), IsEmpty());
     }
 }
@@ -570,6 +580,17 @@ TEST_F(DeleteCategory, FailsWhenTheRecordsCannotBeAllocated)
     EXPECT_THAT(platform.group_names(), ElementsAre("Home", "Work"));
 }
 
+TEST_F(DeleteCategory, FailsWhenTheMemberListCannotBeAllocated)
+{
+    fail_allocation(2);
+    EXPECT_EQ(remove("Work", 1), 0);
+    EXPECT_TRUE(allocation_failed());
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_RECOVERABLE, "memory allocation failed..\n")));
+    EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
+    EXPECT_THAT(platform.group_names(), ElementsAre("Home", "Work"));
+    EXPECT_THAT(platform.contact_indexes(), SizeIs(4));
+}
+
 TEST_F(DeleteCategory, SucceedsWithoutMemoryWhenTheConnectionCannotBeClosed)
 {
     fail_allocations_of(2 * 1352);
@@ -595,8 +616,8 @@ TEST_F(DeleteCategory, FailsWhenTheSearchDoes)
 {
     platform.fail("contact_db_service_group_search", 66);
     EXPECT_EQ(remove("Work"), 0);
-    EXPECT_THAT(platform.traces, Contains(traced("contact_db_service_group_search fail..(%d)\n",
-                                                 "contact_db_service_group_search fail..(66)\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_HARD, "contact_db_service_group_search fail..(%d)\n",
+                                                "contact_db_service_group_search fail..(66)\n")));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
 
@@ -769,6 +790,7 @@ TEST_F(AddCategoryNative, ReturnsWhenTheNameCannotBeHad)
     jni.fail("GetStringUTFChars");
     Java_com_qvr_zek_pim_PIMListImpl_addCategoryN(jni.env(), nullptr, LIST_CONTACT, 0, jni.string("Work"));
     EXPECT_THAT(platform.calls, IsEmpty());
+    EXPECT_THAT(platform.traces, Contains(Field(&trace_message::format, "pimlistImpl_addCategoryN fail..\n")));
     keep_exception("the machine's own error goes on to Java");
 }
 

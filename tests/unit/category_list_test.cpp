@@ -62,6 +62,22 @@ TEST_F(ListCategories, GivesTheNamesInTheStoresOrder)
     EXPECT_EQ(allocation_sizes(), std::vector<size_t>{3 * 1352});
 }
 
+TEST_F(ListCategories, TakesRoomForOneGroup)
+{
+    add_groups({"Work"});
+    EXPECT_EQ(list(), 1);
+    EXPECT_EQ(allocation_sizes(), std::vector<size_t>{1352});
+}
+
+TEST_F(ListCategories, LeavesTheSlotsBehindTheLastNameAlone)
+{
+    add_groups({"Work", "Home"});
+    std::array<category_name, LIST_CATEGORIES_MAX> slots = {};
+    slots[2].text[0] = '#';
+    EXPECT_EQ(pimlistImpl_getCategoriesN(LIST_CONTACT, 9, slots), 2);
+    EXPECT_STREQ(slots[2].text, "#");
+}
+
 TEST_F(ListCategories, TracesItsSteps)
 {
     add_groups({"Work", "Home"});
@@ -180,8 +196,9 @@ TEST_F(ListCategories, FailWhenGroupsCannotBeCounted)
     EXPECT_EQ(list(), -1);
     EXPECT_THAT(platform.calls, ElementsAre("contact_db_service_connect()", "contact_db_service_group_get_count()",
                                             "contact_db_service_disconnect()"));
-    EXPECT_THAT(platform.traces, Contains(traced("contact_db_service_group_get_all_records:group_count = %d\n",
-                                                 "contact_db_service_group_get_all_records:group_count = 0\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_HARD, "contact_db_service_group_get_all_records:group_count = %d\n",
+                               "contact_db_service_group_get_all_records:group_count = 0\n")));
 }
 
 TEST_F(ListCategories, FailWhenTheRecordsCannotBeAllocated)
@@ -290,7 +307,8 @@ TEST_F(MaxCategoriesOfList, RaisesForAnUnknownList)
         EXPECT_THAT(*jni.pending, exception("javax/microedition/pim/PIMException", "Not supported list type"));
         ASSERT_EQ(jni.constructed.size(), 1u);
         EXPECT_EQ(jni.constructed[0]->reason, PIM_GENERAL_ERROR);
-        EXPECT_THAT(platform.traces, Contains(traced("Not supported listtype\n", "Not supported listtype\n")));
+        EXPECT_THAT(platform.traces,
+                    Contains(trace(TRACE_HARD, "Not supported listtype\n", "Not supported listtype\n")));
         keep_exception("raised on purpose");
         start_over();
     }

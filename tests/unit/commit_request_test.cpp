@@ -1,4 +1,5 @@
 // PIMItemImpl.commitN: from Java arrays to a commit, and back to a record index.
+#include <ctime>
 #include <limits>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "stored_records.h"
 #include "unit_test.h"
 
+using testing::AnyOfArray;
 using testing::Contains;
 using testing::Each;
 using testing::Field;
@@ -159,16 +161,37 @@ TEST_F(CommitDispatch, ReleasesAllElementsWithoutCopyingBack)
 TEST_F(CommitDispatch, TracesWhatItUnpacks)
 {
     commit(a_contact());
-    EXPECT_THAT(platform.traces, Contains(traced("stringsize = %d stringid = %d\n", "stringsize = 2 stringid = 2\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("categorysize = %d\n", "categorysize = 3\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("numbcat = %d\n", "numbcat = 2\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("category[%d] = %s\n", "category[0] = Work\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("category[%d] = %s\n", "category[1] = Home\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "stringsize = %d stringid = %d\n", "stringsize = 2 stringid = 2\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "categorysize = %d\n", "categorysize = 3\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "numbcat = %d\n", "numbcat = 2\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "category[%d] = %s\n", "category[0] = Work\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "category[%d] = %s\n", "category[1] = Home\n")));
     EXPECT_THAT(platform.traces,
                 Contains(Field(&trace_message::format, "free memory start stringsize = %d realcategorysize = %d\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("returnindex : %d\n", "returnindex : 1\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "returnindex : %d\n", "returnindex : 1\n")));
     EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "66 #########################################\n")));
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::format, "hour : %d min : %d sec : %d\n")));
+}
+
+TEST_F(CommitDispatch, TracesTheTimeOfDayInUtc)
+{
+    const time_t before = time(nullptr);
+    commit(a_contact());
+    const time_t after = time(nullptr);
+    std::vector<std::string> texts;
+    for (time_t moment = before; moment <= after; ++moment) {
+        const auto of_day = static_cast<int>(moment % 86400);
+        texts.push_back("hour : " + std::to_string(of_day / 3600) + " min : " + std::to_string(of_day / 60 % 60) +
+                        " sec : " + std::to_string(of_day % 60) + "\n");
+    }
+    EXPECT_THAT(platform.traces, Contains(Field(&trace_message::text, AnyOfArray(texts))));
+}
+
+TEST_F(CommitDispatch, HoldsOneLocalReferenceAtATime)
+{
+    commit(a_contact());
+    EXPECT_EQ(jni.local_reference_peak, 1u);
 }
 
 TEST_F(CommitDispatch, TakesNullArraysForEmptyOnes)
@@ -319,6 +342,9 @@ TEST_F(CommitCounts, OfStringEntriesThatTheArrayDoesNotHoldFailTheCommit)
             SCOPED_TRACE(testing::PrintToString(stringids));
             EXPECT_EQ(commit({.listtype = listtype, .stringids = stringids, .strings = texts{"a", "b"}}), -1);
             expect_no_store_call();
+            EXPECT_THAT(platform.traces,
+                        Contains(trace(TRACE_HARD, "stringids holds no %d entries\n",
+                                       "stringids holds no " + std::to_string(stringids[0]) + " entries\n")));
             start_over();
         }
     }
@@ -342,6 +368,9 @@ TEST_F(CommitCounts, OfLongEntriesThatTheArrayDoesNotHoldFailTheCommit)
             SCOPED_TRACE(testing::PrintToString(longs));
             EXPECT_EQ(commit({.listtype = listtype, .longs = longs}), -1);
             expect_no_store_call();
+            EXPECT_THAT(platform.traces,
+                        Contains(trace(TRACE_HARD, "longvalue holds no %lld entries\n",
+                                       "longvalue holds no " + std::to_string(longs[0]) + " entries\n")));
             start_over();
         }
     }
@@ -429,7 +458,7 @@ TEST_F(CommitResult, IsARecordIndexUpToTenThousand)
 {
     platform.add_contact(9999);
     EXPECT_EQ(commit(a_contact()), 10000);
-    EXPECT_THAT(platform.traces, Contains(traced("returnindex : %d\n", "returnindex : 10000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "returnindex : %d\n", "returnindex : 10000\n")));
     EXPECT_FALSE(jni.pending);
 }
 

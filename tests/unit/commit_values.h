@@ -38,12 +38,19 @@ public:
         return *this;
     }
 
+    // The counts leave the last string entry and the last number out, which stay in the arrays.
+    commit_values& without_counting_the_last()
+    {
+        uncounted_ = 1;
+        return *this;
+    }
+
     // The values as a commit function takes them; valid until the next value is added.
     CommitRequest request(int32_t recindex)
     {
-        stringids_ = {static_cast<int32_t>(triples_.size() / 3)};
+        stringids_ = {static_cast<int32_t>(triples_.size() / 3) - uncounted_};
         stringids_.insert(stringids_.end(), triples_.begin(), triples_.end());
-        longvalue_ = {static_cast<int64_t>(quadruples_.size() / 4)};
+        longvalue_ = {static_cast<int64_t>(quadruples_.size() / 4) - uncounted_};
         longvalue_.insert(longvalue_.end(), quadruples_.begin(), quadruples_.end());
         text_pointers_ = pointers_to(texts_);
         // What the caller of a commit function vouches for: no entry runs out of texts.
@@ -79,6 +86,7 @@ private:
         return pointers;
     }
 
+    int32_t uncounted_ = 0;
     std::vector<int32_t> triples_, stringids_;
     std::vector<int64_t> quadruples_, longvalue_;
     std::vector<text_value> texts_, categories_;

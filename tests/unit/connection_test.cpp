@@ -175,7 +175,7 @@ TEST_F(Initialize, RefusesAnErrorWordThatIsNotClearForEveryListType)
     for (int32_t listtype : {0, 1, 2, 3, 4, -1}) {
         SCOPED_TRACE(listtype);
         error = 5;
-        EXPECT_EQ(native_function_initialize(listtype, &record, &error), 0);
+        EXPECT_EQ(native_function_initialize(listtype, listtype == LIST_CONTACT ? nullptr : &record, &error), 0);
         EXPECT_EQ(error, 10011);
         EXPECT_THAT(platform.calls, IsEmpty());
     }

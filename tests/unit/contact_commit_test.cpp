@@ -11,6 +11,7 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+using testing::AnyOf;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
@@ -173,7 +174,7 @@ TEST_F(ContactCommitTexts, AreAllWalkedThroughWhenOneIsRefused)
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::text,
                                                 "The valuse of contact_record.phone_info[0].number 1 and "
                                                 "attri_value -1\n ---------->")));
-    EXPECT_THAT(platform.traces, Contains(traced("value = %lld, time = %lld\n", "value = 0, time = 0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "value = %lld, time = %lld\n", "value = 0, time = 0\n")));
 }
 
 // Its entry is there already, and the counter has not moved on.
@@ -226,6 +227,45 @@ TEST_F(ContactCommitTexts, ThatAreNullLeaveTheirFieldEmpty)
     EXPECT_EQ(added(commit_values().text(CONTACT_NOTE, std::nullopt)).note, std::nullopt);
 }
 
+TEST_F(ContactCommitTexts, ThatAreNullAndThoseRefusedConsumeOne)
+{
+    const std::string far_too_long = xs(1000);
+    struct row {
+        const char* when;
+        commit_values values;
+    };
+    std::vector<row> rows = {
+        {"a null note", commit_values().text(CONTACT_NOTE, std::nullopt)},
+        {"a homepage past the slots", commit_values().text(CONTACT_URL, "page", 0, CONTACT_HOMEPAGE_MAX)},
+        {"a negative value index", commit_values().text(CONTACT_NOTE, "note", 0, -1)},
+    };
+    for (const text_row& text : TEXTS) {
+        rows.push_back({text.when, commit_values().text(text.field, std::nullopt)});
+        rows.push_back({text.when, commit_values().text(text.field, far_too_long)});
+    }
+    for (row& row : rows) {
+        SCOPED_TRACE(row.when);
+        console_of([&] { commit(row.values.text(CONTACT_ORG, "Org")); });
+        EXPECT_THAT(platform.traces,
+                    Contains(trace_text(TRACE_STEP, "curField : 109 currStringArrayIndex : 1 currAtrrib : 0\n")));
+        start_over();
+    }
+}
+
+TEST_F(ContactCommit, LooksAtNoEntryBehindTheCounts)
+{
+    const stored_contact& contact = added(commit_values()
+                                              .text(CONTACT_NICKNAME, "Ada")
+                                              .text(CONTACT_ORG, "behind")
+                                              .number(CONTACT_BIRTHDAY, 0)
+                                              .number(CONTACT_REVISION, 5000)
+                                              .without_counting_the_last());
+    EXPECT_STREQ(contact.record.nickname, "Ada");
+    EXPECT_STREQ(contact.record.company_name, "");
+    EXPECT_EQ(contact.record.birthday.year, 70);
+    EXPECT_EQ(contact.record.save_time.sec, 0);
+}
+
 TEST_F(ContactCommitTexts, ThatAreEmptyAreValues)
 {
     const stored_contact& contact =
@@ -247,13 +287,15 @@ TEST_F(ContactCommitTexts, OfUnknownFieldsTakeOneTextAndAreIgnored)
 
 TEST_F(ContactCommitTexts, AreTracedEntryByEntry)
 {
-    added(commit_values().texts(CONTACT_ADDR, WHOLE_ADDRESS, 8).text(CONTACT_TEL, "1", 4));
+    added(commit_values().texts(CONTACT_ADDR, WHOLE_ADDRESS, 8).text(CONTACT_TEL, "1", 4).number(CONTACT_BIRTHDAY, 0));
     const char* format = "curField : %d currStringArrayIndex : %d currAtrrib : %d\n";
-    EXPECT_THAT(platform.traces, Contains(traced(format, "curField : 100 currStringArrayIndex : 0 currAtrrib : 8\n")));
-    EXPECT_THAT(platform.traces, Contains(traced(format, "curField : 115 currStringArrayIndex : 7 currAtrrib : 4\n")));
-    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "pimItemImpl_contact_commitN\n")));
     EXPECT_THAT(platform.traces,
-                Contains(traced("stringids[0] : %d, longvalue[0] : %lld\n", "stringids[0] : 2, longvalue[0] : 0\n")));
+                Contains(trace(TRACE_STEP, format, "curField : 100 currStringArrayIndex : 0 currAtrrib : 8\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, format, "curField : 115 currStringArrayIndex : 7 currAtrrib : 4\n")));
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "pimItemImpl_contact_commitN\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "stringids[0] : %d, longvalue[0] : %lld\n",
+                                                "stringids[0] : 2, longvalue[0] : 1\n")));
 }
 
 TEST_F(ContactCommitTexts, OfATitleAreToldToTheConsole)
@@ -387,12 +429,15 @@ TEST_F(ContactCommit, DropsWhatFullArraysCannotTakeWhateverItsLength)
 TEST_F(ContactCommit, TracesEveryEntryItFills)
 {
     added(commit_values().text(CONTACT_TEL, "030", 8).text(CONTACT_EMAIL, "a@b").texts(CONTACT_ADDR, WHOLE_ADDRESS));
-    EXPECT_THAT(platform.traces, Contains(traced("current_phone_count : %d contact_record.phone_count = %d\n",
-                                                 "current_phone_count : 0 contact_record.phone_count = 1\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("current_email_count = %d contact_record.email_count = %d\n",
-                                                 "current_email_count = 0 contact_record.email_count = 1\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("current_address_count : %d contact_record.postal_count : %d\n",
-                                                 "current_address_count : 0 contact_record.postal_count : 1\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "current_phone_count : %d contact_record.phone_count = %d\n",
+                               "current_phone_count : 0 contact_record.phone_count = 1\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "current_email_count = %d contact_record.email_count = %d\n",
+                               "current_email_count = 0 contact_record.email_count = 1\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "current_address_count : %d contact_record.postal_count : %d\n",
+                               "current_address_count : 0 contact_record.postal_count : 1\n")));
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::text,
                                                 "The valuse of contact_record.phone_info[0].number 030 and "
                                                 "attri_value 4\n ---------->")));
@@ -589,8 +634,9 @@ TEST_F(ContactCommitName, GoesToFamilyAndGivenName)
     EXPECT_STREQ(contact.record.company_name, "Org");
     const std::string names = "C_NAME, stringvaluess[currStringArrayIndex + ";
     EXPECT_THAT(platform.traces,
-                Contains(traced(names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
-    EXPECT_THAT(platform.traces, Contains(traced(names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
+                Contains(trace(TRACE_STEP, names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
 }
 
 TEST_F(ContactCommitName, TakesPartsOf65BytesAndRefusesOneMore)
@@ -765,9 +811,10 @@ TEST_F(ContactCommitDates, OfOtherFieldsAreIgnored)
 TEST_F(ContactCommitDates, AreTracedEntryByEntry)
 {
     added(commit_values().number(CONTACT_BIRTHDAY, 1234567, 3));
-    EXPECT_THAT(platform.traces, Contains(traced("value = %lld, time = %lld\n", "value = 1234567, time = 1234\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("curField : %d currIndex : %d currAttrib : %d\n",
-                                                 "curField : 101 currIndex : 3 currAttrib : 0\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "value = %lld, time = %lld\n", "value = 1234567, time = 1234\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "curField : %d currIndex : %d currAttrib : %d\n",
+                                                "curField : 101 currIndex : 3 currAttrib : 0\n")));
 }
 
 // ---- Categories -----------------------------------------------------------------------------------------------------
@@ -780,9 +827,9 @@ TEST_F(ContactCommitCategories, MakeTheContactAMemberOfTheirGroups)
     const stored_contact& contact = added(commit_values().category("Sport").category("Home"));
     for (int32_t key = 0; key < CONTACT_MEMBERSHIP_SIZE; ++key)
         EXPECT_EQ(contact.record.membership[key], key == 0 || key == 29 ? 1 : 0) << key;
-    EXPECT_THAT(platform.traces, Contains(traced("SOON COMMIT!!  categorycount= %d recindex = %d\n",
-                                                 "SOON COMMIT!!  categorycount= 3 recindex = 0\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("DB query [%s]\n", "DB query [id >= 0]\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "SOON COMMIT!!  categorycount= %d recindex = %d\n",
+                                                "SOON COMMIT!!  categorycount= 3 recindex = 0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "DB query [%s]\n", "DB query [id >= 0]\n")));
     EXPECT_THAT(
         platform.calls_between_connections(),
         ElementsAre("contact_db_service_group_get_count()", "contact_db_service_group_search(\"id >= 0\", 20, 0, 3, 0)",
@@ -839,6 +886,16 @@ TEST_F(ContactCommitCategories, AreNotLookedForWhenThereAreNone)
     EXPECT_THAT(platform.calls_of("contact_db_service_group_search"), IsEmpty());
 }
 
+TEST_F(ContactCommitCategories, AreNoneWhenTheyAreCountedBelowZero)
+{
+    platform.add_group(3, "Work");
+    commit_values values;
+    CommitRequest request = values.category("Work").request(0);
+    request.categorycount = -1;
+    EXPECT_EQ(pimItemImpl_contact_commitN(request), 1);
+    EXPECT_EQ(platform.find_contact(1)->record.membership[3], 0);
+}
+
 TEST_F(ContactCommitCategories, AreOnlyEverAddedByAnUpdate)
 {
     platform.add_contact(1);
@@ -854,9 +911,16 @@ TEST_F(ContactCommitCategories, AreCountedThoughTheCountMayFail)
 {
     platform.add_group(3, "Work");
     platform.fail("contact_db_service_group_get_count", 44);
-    added(commit_values().category("Work"));
+    EXPECT_EQ(added(commit_values().category("Work")).record.membership[3], 0) << "no group is looked at";
     EXPECT_THAT(platform.traces, Contains(trace(TRACE_HARD, "contact_db_service_group_get_count Fail..(%d)\n",
                                                 "contact_db_service_group_get_count Fail..(44)\n")));
+}
+
+TEST_F(ContactCommitCategories, HaveNoGroupsToBeFoundInAStoreWithout)
+{
+    added(commit_values().category("Work"));
+    EXPECT_THAT(platform.calls_of("contact_db_service_group_search"),
+                ElementsAre("contact_db_service_group_search(\"id >= 0\", 20, 0, 0, 0)"));
 }
 
 TEST_F(ContactCommitCategories, AreLeftAloneWhenTheGroupsCannotBeSearched)
@@ -925,8 +989,8 @@ TEST_F(ContactCommitCategories, FailTheCommitWhenTheGroupsCannotBeAllocated)
     platform.add_group(3, "Work");
     fail_allocations_of(sizeof(contact_group_record));
     commit_values values;
-    const int32_t result = commit(values.category("Work"));
-    EXPECT_TRUE(result < 0 || result > 10000) << result;
+    EXPECT_THAT(commit(values.category("Work")), AnyOf(-1, REFUSED));
+    EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
     EXPECT_THAT(platform.contacts, IsEmpty());
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
@@ -1154,8 +1218,10 @@ TEST_F(ContactCommitFailure, OfTheNotesAllocationSavesNothing)
 {
     fail_allocations_of(sizeof "a note");
     commit_values values;
-    const int32_t result = commit(values.text(CONTACT_NOTE, "a note"));
-    EXPECT_TRUE(result < 0 || result > 10000) << result;
+    EXPECT_THAT(commit(values.text(CONTACT_NOTE, "a note").text(CONTACT_ORG, "Org")), AnyOf(-1, REFUSED));
+    EXPECT_THAT(platform.traces,
+                Contains(trace_text(TRACE_STEP, "curField : 109 currStringArrayIndex : 1 currAtrrib : 0\n")));
+    EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
     EXPECT_THAT(platform.contacts, IsEmpty());
 }
 

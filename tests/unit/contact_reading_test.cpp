@@ -11,6 +11,7 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -139,8 +140,8 @@ TEST_F(ContactString, IsTheTextOfItsField)
         row.fill(contact(), "a text");
         EXPECT_EQ(string_of(row.field), "a text");
         EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_STEP, "getContactString\n")));
-        EXPECT_THAT(platform.traces, Contains(traced("field : %d strData = %s\n",
-                                                     "field : " + std::to_string(row.field) + " strData = a text\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "field : %d strData = %s\n",
+                                                    "field : " + std::to_string(row.field) + " strData = a text\n")));
         for (const text_row& other : TEXTS) {
             if (other.field != row.field) {
                 EXPECT_EQ(string_of(other.field), "") << other.when;
@@ -298,10 +299,13 @@ TEST_F(ContactStringArray, OfANameIsFamilyGivenAndNickname)
     put_into(contact().record.nickname, "Countess");
     for (int32_t index : {0, 1, -1, 1000000})
         EXPECT_THAT(array_of(CONTACT_NAME, index), ElementsAre("Lovelace", "Ada", "Countess", "", "", "", "")) << index;
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "getContactStringArray"),
+                                               Field(&trace_message::calls_before, 0u)));
     const std::string names = "C_NAME, stringvaluess[currStringArrayIndex + ";
     EXPECT_THAT(platform.traces,
-                Contains(traced(names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
-    EXPECT_THAT(platform.traces, Contains(traced(names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
+                Contains(trace(TRACE_STEP, names + "C_NAME_FAMILY] = %s\n", names + "C_NAME_FAMILY] = Lovelace\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, names + "C_NAME_GIVEN] = %s\n", names + "C_NAME_GIVEN] = Ada\n")));
 }
 
 TEST_F(ContactStringArray, TakesNamesShorterThanTheirLimits)
@@ -332,9 +336,12 @@ TEST_F(ContactStringArray, OfAnAddressIsItsSevenParts)
     EXPECT_THAT(array_of(CONTACT_ADDR, 0), ElementsAre("", "", "", "", "", "", ""));
     EXPECT_THAT(array_of(CONTACT_ADDR, 1),
                 ElementsAre("pobox", "extra", "street", "locality", "region", "postal code", "country"));
+    EXPECT_THAT(platform.traces,
+                Contains(Field(&trace_message::format, "strData[%d] = %s")).Times(2 * static_cast<int>(ADDR_ELEMENTS)));
     for (const part_row& row : PARTS)
-        EXPECT_THAT(platform.traces, Contains(traced("strData[%d] = %s", "strData[" + std::to_string(row.element) +
-                                                                             "] = " + std::string(row.when))));
+        EXPECT_THAT(platform.traces,
+                    Contains(trace(TRACE_STEP, "strData[%d] = %s",
+                                   "strData[" + std::to_string(row.element) + "] = " + std::string(row.when))));
 }
 
 TEST_F(ContactStringArray, TakesPartsShorterThanAnElement)
@@ -398,10 +405,10 @@ TEST_F(ContactCount, IsOneForASingleTextThatIsNotEmpty)
         EXPECT_EQ(count_values_contact(1, row.field), 0);
         row.fill(contact(), "a text");
         EXPECT_EQ(count_values_contact(1, row.field), 1);
-        EXPECT_THAT(platform.traces, Contains(traced("count_values_contact (field : %d, recindex : %d)\n",
-                                                     "count_values_contact (field : " + std::to_string(row.field) +
-                                                         ", recindex : 1)\n")));
-        EXPECT_THAT(platform.traces, Contains(traced("return count = %d\n", "return count = 1\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "count_values_contact (field : %d, recindex : %d)\n",
+                                                    "count_values_contact (field : " + std::to_string(row.field) +
+                                                        ", recindex : 1)\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "return count = %d\n", "return count = 1\n")));
         start_over();
     }
 }
@@ -410,8 +417,8 @@ TEST_F(ContactCount, CountsEntriesThatAreNotEmpty)
 {
     contact().phones = {a_phone("1"), a_phone(""), a_phone("3")};
     contact().emails = {an_email(""), an_email("b"), an_email("c"), an_email("d")};
-    put_into(contact().record.homepage_info[0].homepage, "first");
-    put_into(contact().record.homepage_info[4].homepage, "last");
+    put_into(contact().record.homepage_info[0].homepage, "1");
+    put_into(contact().record.homepage_info[4].homepage, "5");
     EXPECT_EQ(count_values_contact(1, CONTACT_TEL), 2);
     EXPECT_EQ(count_values_contact(1, CONTACT_EMAIL), 3);
     EXPECT_EQ(count_values_contact(1, CONTACT_URL), 2);
@@ -457,9 +464,9 @@ TEST_F(ContactCount, OfAnAddressWithOnlyAPostalCodeIsZeroThoughItCanBeRead)
 TEST_F(ContactCount, OfANameNeedsOneOfItsParts)
 {
     EXPECT_EQ(count_values_contact(1, CONTACT_NAME), 0);
-    put_into(contact().record.name_info.last_name, "Lovelace");
+    put_into(contact().record.name_info.last_name, "L");
     EXPECT_EQ(count_values_contact(1, CONTACT_NAME), 1);
-    put_into(contact().record.name_info.first_name, "Ada");
+    put_into(contact().record.name_info.first_name, "A");
     EXPECT_EQ(count_values_contact(1, CONTACT_NAME), 1);
     put_into(contact().record.name_info.last_name, "");
     EXPECT_EQ(count_values_contact(1, CONTACT_NAME), 1);
@@ -532,6 +539,8 @@ TEST_F(ContactFields, AreListedInTheirFixedOrder)
     std::array<int32_t, LISTED_FIELDS_MAX> fields = {};
     EXPECT_EQ(getField_contact(1, fields), 11);
     EXPECT_THAT(fields, ElementsAre(100, 106, 103, 107, 108, 109, 115, 116, 118, 101, 114));
+    EXPECT_THAT(platform.traces.front(),
+                AllOf(Field(&trace_message::function, "getField_contact"), Field(&trace_message::calls_before, 0u)));
     EXPECT_THAT(platform.traces, Contains(Field(&trace_message::text, "getField_contact return 11\n")));
     EXPECT_EQ(platform.calls_of("contact_db_service_contact_get").size(), 11u) << "each count fetches the record anew";
 }
@@ -577,8 +586,13 @@ TEST_F(ContactDate, IsTheBirthdayOrTheLastSave)
         EXPECT_EQ(getContactDate(1, CONTACT_BIRTHDAY, 0), row.birthday * 1000);
         EXPECT_EQ(getContactDate(1, CONTACT_REVISION, 0), row.revision * 1000);
     }
-    EXPECT_THAT(platform.traces, Contains(traced("getContactDate recindex = %d field = %d index = %d\n",
-                                                 "getContactDate recindex = 1 field = 101 index = 0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getContactDate recindex = %d field = %d index = %d\n",
+                                                "getContactDate recindex = 1 field = 101 index = 0\n")));
+    for (const char* conversion : {"1262304000", "1262271600", "1262300400"})
+        EXPECT_THAT(platform.traces, Contains(trace_text(TRACE_STEP,
+                                                         "birthday year:110 mon:0 mday:1 hour:0 min:0 sec:0 "
+                                                         "toUTCtime = " +
+                                                             std::string(conversion) + "\n")));
 }
 
 TEST_F(ContactDate, IsMinusAThousandForATimeThatMktimeRefuses)
@@ -636,14 +650,27 @@ TEST_F(ContactAttribute, OfOtherEntriesIsTheOneOfTheirType)
         EXPECT_EQ(attribute_of(CONTACT_URL, 4), row.homepage);
     }
     EXPECT_THAT(platform.traces,
-                Contains(traced("pimItemImpl_getAttributesN recindex = %d, field = %d, attrindex = %d\n",
-                                "pimItemImpl_getAttributesN recindex = 1, field = 100, attrindex = "
-                                "1\n")));
+                Contains(trace(TRACE_STEP, "pimItemImpl_getAttributesN recindex = %d, field = %d, attrindex = %d\n",
+                               "pimItemImpl_getAttributesN recindex = 1, field = 100, attrindex = "
+                               "1\n")));
 }
 
 TEST_F(ContactAttribute, OfAHomepageDoesNotNeedAText)
 {
     EXPECT_EQ(attribute_of(CONTACT_URL, 0), 0x100000a) << "an empty slot has type 0";
+}
+
+TEST_F(ContactAttribute, OfNoEntriesIsOutOfRangeWhateverTheirArrayHolds)
+{
+    contact().addresses = {an_address(1)};
+    contact().emails = {an_email("a", 1)};
+    contact().phones = {a_phone("1", 4)};
+    platform.alter_contact = [](contact_record& record) {
+        record.phone_count = record.email_count = record.postal_count = 0;
+    };
+    EXPECT_EQ(attribute_of(CONTACT_ADDR, 0), 0);
+    EXPECT_EQ(attribute_of(CONTACT_TEL, 0), 0);
+    EXPECT_EQ(attribute_of(CONTACT_EMAIL, 0), 0x1000008);
 }
 
 // Kept: an e-mail address that is not there counts as a private one.
@@ -740,6 +767,13 @@ TEST_F(PreferredIndex, IsMinusOneWithoutSuchAnEntry)
         EXPECT_EQ(ContactImp_getPreferredIndexN(9, 1, field), -1) << field;
 }
 
+TEST_F(PreferredIndex, IsTracedFirstInTheReadersName)
+{
+    ContactImp_getPreferredIndexN(9, 1, CONTACT_TEL);
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "ContactImp_getPreferredIndexN"),
+                                               Field(&trace_message::calls_before, 0u)));
+}
+
 TEST_F(PreferredIndex, IsMinusOneForAnyOtherField)
 {
     for (int32_t field : {99, 101, 106, 107, 108, 116, 0, -1})
@@ -762,12 +796,12 @@ TEST_F(RecordDeleted, IsTheNegationOfTheStoresFlagForAContact)
     EXPECT_EQ(pimItemImpl_isRecordDeletedN(LIST_CONTACT, 1), 0);
     EXPECT_THAT(platform.calls, ElementsAre("contact_db_service_connect()", "contact_db_service_contact_is_exist(1)",
                                             "contact_db_service_disconnect()"));
-    EXPECT_THAT(platform.traces, Contains(traced("%s listtype:%d, recindex:%d\n",
-                                                 "pimItemImpl_isRecordDeletedN listtype:1, recindex:1\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("ret_val:%d\n", "ret_val:0\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "%s listtype:%d, recindex:%d\n",
+                                                "pimItemImpl_isRecordDeletedN listtype:1, recindex:1\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "ret_val:%d\n", "ret_val:0\n")));
 
     EXPECT_EQ(pimItemImpl_isRecordDeletedN(LIST_CONTACT, 4711), 1);
-    EXPECT_THAT(platform.traces, Contains(traced("ret_val:%d\n", "ret_val:1\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "ret_val:%d\n", "ret_val:1\n")));
 }
 
 TEST_F(RecordDeleted, IsTheFlagsWordAloneWhenTheContactCannotBeLookedFor)
@@ -795,7 +829,7 @@ TEST_F(RecordDeleted, NeedsTheStoreToSayThatAnItemIsNotFound)
         const std::string format =
             "ORG_ERR_RECORD_NOT_FOUND ret_val set to true  ***, "
             "org_db_service_get_record_full_field_by_index is failed (error_code = ";
-        EXPECT_THAT(platform.traces, Contains(traced(format + "%d)\n", format + "6)\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, format + "%d)\n", format + "6)\n")));
         platform.traces.clear();
 
         platform.fail("org_db_service_get_record_full_field_by_index", 5);

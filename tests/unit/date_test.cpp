@@ -141,6 +141,15 @@ TEST_F(JavaToStore, FollowsAChangeOfTheZone)
     }
 }
 
+// Whoever changes the zone need not tell libc.
+TEST_F(JavaToStore, FollowsAChangeOfTheZoneThatOnlyTheEnvironmentKnows)
+{
+    const time_zone zone(UTC);
+    EXPECT_EQ(to_local_time(0).hour, 0);
+    setenv("TZ", TOKYO, 1);
+    EXPECT_EQ(to_local_time(0).hour, 9);
+}
+
 TEST_F(JavaToStore, CutsMillisecondsTowardZero)
 {
     struct row {
@@ -213,6 +222,8 @@ TEST_F(PimMktime, NormalisesItsField)
         {"the day before the first", {0, 0, 0, 0, 0, 110, 0, 0, 0}, 1262217600, {0, 0, 0, 31, 11, 109, 4, 364, 0}},
         {"ninety seconds", {90, 0, 0, 1, 0, 110, 0, 0, 0}, 1262304090, {30, 1, 0, 1, 0, 110, 5, 0, 0}},
         {"a wrong weekday", {0, 0, 0, 1, 0, 110, 3, 200, 0}, 1262304000, {0, 0, 0, 1, 0, 110, 5, 0, 0}},
+        {"the epoch, from the day before", {0, 0, 24, 31, 11, 69, 0, 0, 0}, 0, {0, 0, 0, 1, 0, 70, 4, 0, 0}},
+        {"two seconds before the epoch", {-2, 0, 0, 1, 0, 70, 0, 0, 0}, -2, {58, 59, 23, 31, 11, 69, 3, 364, 0}},
     };
     const time_zone zone(UTC);
     for (const row& row : rows) {

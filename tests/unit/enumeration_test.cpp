@@ -145,6 +145,13 @@ TEST_F(NextRecord, AsksTheContactStoreForCountAndList)
                             "contact_db_service_contact_get_all_indices(3)", "contact_db_service_disconnect()"));
 }
 
+TEST_F(NextRecord, TakesRoomForTheContactsCountedAndNoMore)
+{
+    add_contacts({5});
+    EXPECT_EQ(next(LIST_CONTACT, -1), 5);
+    EXPECT_THAT(allocation_sizes(), ElementsAre(sizeof(int32_t)));
+}
+
 TEST_F(NextRecord, TracesTheRecordAskedForAndTheIndexFound)
 {
     add_contacts({5, 9, 12});
@@ -573,7 +580,7 @@ TEST_F(NextRecordInCategory, EndsWhenTheMemberListCannotBeAllocated)
 {
     fail_allocation(1);
     EXPECT_EQ(next(-1, "Work"), -1);
-    EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_HARD, "memory allocation failed..\n")));
     EXPECT_THAT(platform.calls_of("contact_db_service_group_get_members"), IsEmpty());
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
@@ -655,7 +662,7 @@ TEST_F(NextRecordWithoutCategory, EndsWhenTheWorkBlockCannotBeAllocated)
     fail_allocations_of(1496);
     EXPECT_EQ(next(-1), -1);
     EXPECT_TRUE(allocation_failed());
-    EXPECT_THAT(platform.traces, Contains(traced("memory allocation failed..\n", "memory allocation failed..\n")));
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_HARD, "memory allocation failed..\n")));
     EXPECT_THAT(platform.calls, ElementsAre("contact_db_service_connect()", "contact_db_service_disconnect()"));
 }
 

@@ -11,10 +11,12 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -124,6 +126,9 @@ TEST_F(EventCommitTexts, OneByteOverRefuseTheWholeEvent)
         EXPECT_THAT(platform.calls,
                     ElementsAre("org_db_service_connect_database()", "org_db_service_init_full_record()",
                                 "org_db_service_disconnect_database()", "org_db_service_free_full_record()"));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "field:%d takes %d bytes\n",
+                                                    "field:" + std::to_string(row.field) + " takes " +
+                                                        std::to_string(row.limit) + " bytes\n")));
         EXPECT_THAT(platform.traces, Contains(traced("pim_error_code != 0 somewhere Fail..\n",
                                                      "pim_error_code != 0 somewhere Fail..\n")));
         start_over();
@@ -144,7 +149,7 @@ TEST_F(EventCommitTexts, BehindOneThatIsTooLongAreStillProcessed)
     // A second refusal says nothing new, and neither do the long values.
     EXPECT_EQ(commit(commit_values().text(107, xs(257)).text(104, xs(1025)).text(103, "Turin").number(999, 0)),
               REFUSED);
-    EXPECT_THAT(platform.traces, Contains(traced("unknown long field:%d\n", "unknown long field:999\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "unknown long field:%d\n", "unknown long field:999\n")));
 }
 
 TEST_F(EventCommitTexts, ThatAreNullTakeTheirPlaceAndNothingElse)
@@ -266,8 +271,8 @@ TEST_F(EventCommitDates, OfUnknownCodesAreTracedAndIgnored)
         untouched.index = event.record.index;
         untouched.kind = 1;
         EXPECT_EQ(bytes_of(event.record), bytes_of(untouched));
-        EXPECT_THAT(platform.traces,
-                    Contains(traced("unknown long field:%d\n", "unknown long field:" + std::to_string(code) + "\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "unknown long field:%d\n",
+                                                    "unknown long field:" + std::to_string(code) + "\n")));
         start_over();
     }
 }
@@ -314,6 +319,7 @@ TEST_F(EventCommitRepeat, KeepsAnIntervalOnlyBehindItsFrequency)
     const stored_item before = added(commit_values().number(6, 3).number(5, 17));
     EXPECT_EQ(before.record.repeat_term, 2);
     EXPECT_EQ(before.record.repeat_interval, 1);
+    EXPECT_THAT(platform.traces, Not(Contains(Field(&trace_message::format, "unknown long field:%d\n"))));
 }
 
 TEST_F(EventCommitRepeat, KeepsTheLowThirtyTwoBitsOfAnInterval)
@@ -361,6 +367,7 @@ TEST_F(EventCommitYears, LeaveAnEndInALaterYear)
 {
     const stored_item& event = added(commit_values().number(106, NEW_YEAR_2023).number(102, NEW_YEAR_2024));
     EXPECT_EQ(event.record.start_date_time.time.year, 123);
+    EXPECT_THAT(platform.traces, Contains(trace_text(TRACE_STEP, "start year 123, end year 124\n")));
 }
 
 TEST_F(EventCommitYears, MoveAStartWithoutAnEndTo1900)
@@ -391,11 +398,32 @@ TEST_F(EventCommit, AddsANewEventForAnIndexBelowOne)
                                 "org_db_service_add_record_full_field(8)", "org_db_service_disconnect_database()",
                                 "org_db_service_free_full_record()"));
         EXPECT_THAT(platform.traces,
-                    Contains(traced("Before add in event----->recindex %d\n",
-                                    "Before add in event----->recindex " + std::to_string(recindex) + "\n")));
+                    Contains(trace(TRACE_STEP, "Before add in event----->recindex %d\n",
+                                   "Before add in event----->recindex " + std::to_string(recindex) + "\n")));
         EXPECT_THAT(platform.traces, Contains(Field(&trace_message::format, "org_sch_record.index=%d, index=%d\n")));
         start_over();
     }
+}
+
+TEST_F(EventCommit, IsTracedFirstInItsName)
+{
+    added(commit_values());
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "pimItemImpl_event_commitN"),
+                                               Field(&trace_message::calls_before, 0u)));
+}
+
+TEST_F(EventCommit, LooksAtNoEntryBehindTheCounts)
+{
+    const stored_item& event = added(commit_values()
+                                         .text(EVENT_NOTE, "note")
+                                         .text(EVENT_SUMMARY, "behind")
+                                         .number(EVENT_END, 0)
+                                         .number(EVENT_ALARM, 5000)
+                                         .without_counting_the_last());
+    EXPECT_EQ(event.description, "note");
+    EXPECT_EQ(event.summary, "");
+    EXPECT_EQ(event.record.end_date_time.time.year, 70);
+    EXPECT_EQ(event.record.alarm_time.time.year, 0);
 }
 
 TEST_F(EventCommit, ReplacesTheWholeStoredEvent)

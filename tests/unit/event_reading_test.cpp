@@ -170,8 +170,8 @@ TEST_F(EventDate, IsTheDateOfItsFieldInMilliseconds)
         (event().record.*row.date).time = local_time(2010, 1, 1);
         for (int32_t index : {0, 1, -1}) EXPECT_EQ(getEventDate(1, row.field, index), INT64_C(1262304000000)) << index;
         const std::string code = std::to_string(row.field);
-        EXPECT_THAT(platform.traces, Contains(traced("getEventDate recindex = %d field = %d index = %d\n",
-                                                     "getEventDate recindex = 1 field = " + code + " index = 0\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getEventDate recindex = %d field = %d index = %d\n",
+                                                    "getEventDate recindex = 1 field = " + code + " index = 0\n")));
         for (const date_row& other : DATES) {
             if (other.field != row.field) {
                 EXPECT_EQ(getEventDate(1, other.field, 0), -1000) << other.when;
@@ -261,8 +261,8 @@ TEST_F(EventCount, OfATextGoesByItsFirstByte)
         event().*row.text = "x";
         EXPECT_EQ(count_values_event(1, row.field), 1);
         EXPECT_THAT(platform.traces,
-                    Contains(traced("count_values_event, recindex=%d, field = %d\n",
-                                    "count_values_event, recindex=1, field = " + std::to_string(row.field) + "\n")));
+                    Contains(trace(TRACE_STEP, "count_values_event, recindex=%d, field = %d\n",
+                                   "count_values_event, recindex=1, field = " + std::to_string(row.field) + "\n")));
         start_over();
     }
 }

@@ -227,6 +227,15 @@ void fake_platform::record(const trace_message& message)
 
 static fake_platform& platform = fake_platform::instance();
 
+// Parameters that the contract reserves are 0.
+static void check_reserved(const char* function, std::initializer_list<int> reserved)
+{
+    const std::lock_guard lock(platform.mutex());
+    for (const int value : reserved)
+        if (value != 0)
+            platform.violations.push_back(std::string(function) + " with a reserved argument that is not 0");
+}
+
 static std::string quoted(const char* text)
 {
     return text == nullptr ? "null" : "\"" + std::string(text) + "\"";
@@ -327,16 +336,18 @@ int contact_db_service_disconnect(int* error)
     return platform.perform(__func__, "", error, nullptr, [] { return 0; });
 }
 
-int contact_db_service_contact_get_count(int, int* count, int* error)
+int contact_db_service_contact_get_count(int reserved, int* count, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, "", error, count, [&] {
         *count = static_cast<int>(platform.contacts.size());
         return 0;
     });
 }
 
-int contact_db_service_contact_get_all_indices(int, int* indices, int* count, int* error)
+int contact_db_service_contact_get_all_indices(int reserved, int* indices, int* count, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({*count}), error, count, [&] {
         if (platform.contacts.empty()) return static_cast<int>(CONTACT_ERROR_NO_RECORDS);
         hand_out(platform.contact_indexes(), indices, count);
@@ -344,18 +355,22 @@ int contact_db_service_contact_get_all_indices(int, int* indices, int* count, in
     });
 }
 
-int contact_db_service_contact_get(int, int recindex, int, contact_record* contact, int* error)
+int contact_db_service_contact_get(int reserved, int recindex, int reserved2, contact_record* contact, int* error)
 {
+    check_reserved(__func__, {reserved, reserved2});
     return fetch_contact(__func__, recindex, contact, error);
 }
 
-int contact_db_service_contact_get_by_index(int, int recindex, int, contact_record* contact, int* error)
+int contact_db_service_contact_get_by_index(int reserved, int recindex, int reserved2, contact_record* contact,
+                                            int* error)
 {
+    check_reserved(__func__, {reserved, reserved2});
     return fetch_contact(__func__, recindex, contact, error);
 }
 
-int contact_db_service_contact_is_exist(int, int recindex, unsigned char* exists, int* error)
+int contact_db_service_contact_is_exist(int reserved, int recindex, unsigned char* exists, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({recindex}), error, nullptr, [&] {
         *exists = platform.find_contact(recindex) != nullptr;
         return 0;
@@ -373,18 +388,21 @@ int contact_db_service_contact_add(contact_record* contact, int* error)
     });
 }
 
-int contact_db_service_contact_update(int, int recindex, contact_record* contact, int* error)
+int contact_db_service_contact_update(int reserved, int recindex, contact_record* contact, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({recindex}), error, nullptr, [&] {
         stored_contact* stored = platform.find_contact(recindex);
         if (stored == nullptr) return static_cast<int>(CONTACT_ERROR_NOT_FOUND);
+        if (contact->index != recindex) platform.violations.emplace_back("a contact updated under a foreign index");
         *stored = stored_from(*contact);
         return 0;
     });
 }
 
-int contact_db_service_contact_delete(int, int recindex, int, int, int* error)
+int contact_db_service_contact_delete(int reserved, int recindex, int reserved2, int reserved3, int* error)
 {
+    check_reserved(__func__, {reserved, reserved2, reserved3});
     return platform.perform(__func__, listed({recindex}), error, nullptr, [&] {
         const auto removed = std::erase_if(
             platform.contacts, [&](const stored_contact& contact) { return contact.record.index == recindex; });
@@ -478,16 +496,18 @@ static const contact_group_record* find_group(const char* name)
     return nullptr;
 }
 
-int contact_db_service_group_get_count(int, int* count, int* error)
+int contact_db_service_group_get_count(int reserved, int* count, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, "", error, count, [&] {
         *count = static_cast<int>(platform.groups.size());
         return 0;
     });
 }
 
-int contact_db_service_group_get_all_records(int, contact_group_record* groups, int count, int* error)
+int contact_db_service_group_get_all_records(int reserved, contact_group_record* groups, int count, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({count}), error, nullptr, [&] {
         int written = 0;
         for (const auto& [key, group] : platform.groups)
@@ -496,8 +516,9 @@ int contact_db_service_group_get_all_records(int, contact_group_record* groups, 
     });
 }
 
-int contact_db_service_group_get(int, int key_index, contact_group_record* group, int* error)
+int contact_db_service_group_get(int reserved, int key_index, contact_group_record* group, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({key_index}), error, nullptr, [&] {
         const auto found = platform.groups.find(key_index);
         if (found == platform.groups.end()) return static_cast<int>(CONTACT_ERROR_NOT_FOUND);
@@ -506,8 +527,9 @@ int contact_db_service_group_get(int, int key_index, contact_group_record* group
     });
 }
 
-int contact_db_service_group_get_id_by_name(int, const char* name, int* key_index, int* error)
+int contact_db_service_group_get_id_by_name(int reserved, const char* name, int* key_index, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, quoted(name), error, nullptr, [&] {
         const contact_group_record* group = find_group(name);
         if (group == nullptr) return static_cast<int>(CONTACT_ERROR_NOT_FOUND);
@@ -516,8 +538,9 @@ int contact_db_service_group_get_id_by_name(int, const char* name, int* key_inde
     });
 }
 
-int contact_db_service_group_exist_same_name(int, const char* name, unsigned char* exists, int* error)
+int contact_db_service_group_exist_same_name(int reserved, const char* name, unsigned char* exists, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, quoted(name), error, nullptr, [&] {
         *exists = platform.reported_same_name.value_or(find_group(name) != nullptr);
         return 0;
@@ -536,8 +559,9 @@ int contact_db_service_group_add(contact_group_record* group, int* error)
     });
 }
 
-int contact_db_service_group_update(int, int key_index, contact_group_record* group, int* error)
+int contact_db_service_group_update(int reserved, int key_index, contact_group_record* group, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({key_index}) + ", " + quoted(group->name), error, nullptr, [&] {
         if (!platform.groups.contains(key_index)) return static_cast<int>(CONTACT_ERROR_NOT_FOUND);
         platform.groups[key_index] = *group;
@@ -545,8 +569,9 @@ int contact_db_service_group_update(int, int key_index, contact_group_record* gr
     });
 }
 
-int contact_db_service_group_delete(int, int key_index, int* error)
+int contact_db_service_group_delete(int reserved, int key_index, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({key_index}), error, nullptr, [&] {
         if (platform.groups.erase(key_index) == 0) return static_cast<int>(CONTACT_ERROR_NOT_FOUND);
         for (stored_contact& contact : platform.contacts) contact.record.membership[key_index] = 0;
@@ -554,8 +579,9 @@ int contact_db_service_group_delete(int, int key_index, int* error)
     });
 }
 
-int contact_db_service_group_get_members(int, int key_index, int* indices, int* count, int* error)
+int contact_db_service_group_get_members(int reserved, int key_index, int* indices, int* count, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({key_index, *count}), error, count, [&] {
         if (!platform.groups.contains(key_index)) return static_cast<int>(CONTACT_ERROR_NOT_FOUND);
         std::vector<int32_t> members;
@@ -567,9 +593,10 @@ int contact_db_service_group_get_members(int, int key_index, int* indices, int* 
     });
 }
 
-int contact_db_service_group_search(int, const char* query, int limit, int reserved2, contact_group_record* groups,
-                                    int* count, int* error, int mode)
+int contact_db_service_group_search(int reserved, const char* query, int limit, int reserved2,
+                                    contact_group_record* groups, int* count, int* error, int mode)
 {
+    check_reserved(__func__, {reserved, reserved2});
     const std::string arguments = quoted(query) + ", " + listed({limit, reserved2, *count, mode});
     return platform.perform(__func__, arguments, error, count, [&] {
         const int capacity = *count;
@@ -670,8 +697,9 @@ int org_db_service_free_full_record(org_full_record* record, int* error)
     });
 }
 
-int org_db_service_get_record_count(int, int type, int* count, int* error)
+int org_db_service_get_record_count(int reserved, int type, int* count, int* error)
 {
+    check_reserved(__func__, {reserved});
     return platform.perform(__func__, listed({type}), error, count, [&] {
         platform.scope() = type;
         *count = static_cast<int>(item_indexes(type).size());
@@ -679,8 +707,9 @@ int org_db_service_get_record_count(int, int type, int* count, int* error)
     });
 }
 
-int org_db_service_get_records_id(int, int type, int count, int, int* indices, int* error)
+int org_db_service_get_records_id(int reserved, int type, int count, int reserved2, int* indices, int* error)
 {
+    check_reserved(__func__, {reserved, reserved2});
     return platform.perform(__func__, listed({type, count}), error, nullptr, [&] {
         platform.scope() = type;
         int written = count;
@@ -723,6 +752,7 @@ int org_db_service_update_record_full_field(int index, org_full_record* record, 
     return platform.perform(__func__, listed({index}), error, nullptr, [&] {
         stored_item* item = platform.find_item(index);
         if (item == nullptr) return static_cast<int>(ORG_ERR_RECORD_NOT_FOUND);
+        if (record->index != index) platform.violations.emplace_back("an item updated under a foreign index");
         *item = stored_from(item->type, index, *record);
         return 0;
     });

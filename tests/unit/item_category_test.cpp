@@ -315,7 +315,8 @@ TEST_F(MaxCategoriesOfItem, RaisesForAnUnknownList)
         EXPECT_THAT(*jni.pending, exception("javax/microedition/pim/PIMException", "Not supported list type"));
         ASSERT_EQ(jni.constructed.size(), 1u);
         EXPECT_EQ(jni.constructed[0]->reason, PIM_GENERAL_ERROR);
-        EXPECT_THAT(platform.traces, Contains(traced("Not supported listtype\n", "Not supported listtype\n")));
+        EXPECT_THAT(platform.traces,
+                    Contains(trace(TRACE_HARD, "Not supported listtype\n", "Not supported listtype\n")));
         keep_exception("raised on purpose");
         start_over();
     }

@@ -397,6 +397,8 @@ TEST_F(ItemValue, IsRecordDeletedHandsEveryListToItsReader)
         EXPECT_EQ(
             Java_com_qvr_zek_pim_PIMItemImpl_isRecordDeletedN(jni.env(), nullptr, row.listtype, HANDLE, row.recindex),
             row.expected);
+        EXPECT_THAT(platform.traces.front(),
+                    trace(TRACE_STEP, "%s ***\n", "Java_com_qvr_zek_pim_PIMItemImpl_isRecordDeletedN ***\n"));
         EXPECT_THAT(platform.traces, Contains(Field(&trace_message::function, "pimItemImpl_isRecordDeletedN")));
         start_over();
     }

@@ -10,8 +10,10 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
 
 namespace {
@@ -246,14 +248,15 @@ TEST_F(RepeatFields, AreThoseOfTheTermWithTheEndFirst)
         SCOPED_TRACE(row.when);
         event().repeat_term = row.term;
         EXPECT_EQ(fields_of(1), row.fields);
-        EXPECT_THAT(platform.traces, Contains(traced("qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
-                                                     "is %d\n",
-                                                     "qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
-                                                     "is " +
-                                                         std::to_string(row.term) + "\n")));
-        EXPECT_THAT(platform.traces, Contains(traced("qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet %d\n",
-                                                     "qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet " +
-                                                         std::to_string(row.fields.size()) + "\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP,
+                                                    "qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
+                                                    "is %d\n",
+                                                    "qm4ruv : EventImpl_getRepeatFieldsN.org_sch_record.repeat_term "
+                                                    "is " +
+                                                        std::to_string(row.term) + "\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet %d\n",
+                                                    "qm4ruv : EventImpl_getRepeatFieldsN.numFieldsSet " +
+                                                        std::to_string(row.fields.size()) + "\n")));
 
         event().repeat_end_or_due.time = local_time(2010, 1, 1);
         std::vector<int32_t> with_end = {4};
@@ -300,6 +303,18 @@ TEST_F(RepeatFields, ThroughTheNativeAreAnEmptyArrayWhereThereAreNone)
         ASSERT_NE(array, nullptr) << recindex;
         EXPECT_THAT(jni.values(array), IsEmpty()) << recindex;
     }
+}
+
+TEST_F(RepeatRule, IsTracedFirstInTheReadersName)
+{
+    const auto entry_of = [](const char* function) {
+        return AllOf(Field(&trace_message::function, function), Field(&trace_message::calls_before, 0u));
+    };
+    EventImpl_getRepeatIntN(1, 6);
+    EXPECT_THAT(platform.traces.front(), entry_of("EventImpl_getRepeatIntN"));
+    start_over();
+    EventImpl_getRepeatDateN(1, 4);
+    EXPECT_THAT(platform.traces.front(), entry_of("EventImpl_getRepeatDateN"));
 }
 
 TEST_F(RepeatRule, HasNoExceptDates)

@@ -312,6 +312,7 @@ TEST_F(NextRecordWithMatch, EndsWhenTheContactConnectionIsRefused)
     refuse_connections(LIST_CONTACT, 10011);
     EXPECT_EQ(next(LIST_CONTACT, -1, "x"), -1);
     EXPECT_THAT(platform.calls, IsEmpty());
+    EXPECT_THAT(platform.traces, Contains(assertion("pimlistimpl_nextRecordWithMatchStrN", "initialize", 10011)));
 }
 
 TEST_F(NextRecordWithMatch, SearchesContactsWithoutAConnection)
@@ -550,6 +551,13 @@ TEST_F(MatchingContact, LooksAtTheNoteOnlyWhenItHasASize)
     EXPECT_EQ(matching("note", nothing), 1);
     EXPECT_EQ(matching("note", [](contact_record& contact) { contact.note_size = 0; }), 0);
     EXPECT_EQ(matching("note", [](contact_record& contact) { contact.note_size = -1; }), 0);
+    // One byte is an empty text, which contains everything.
+    EXPECT_EQ(matching("needle",
+                       [](contact_record& contact) {
+                           contact.note[0] = '\0';
+                           contact.note_size = 1;
+                       }),
+              1);
 }
 
 TEST_F(MatchingContact, LooksAtNoMoreEntriesThanAreCounted)

@@ -1,5 +1,6 @@
 // Walking events and to-dos in the order of their dates.
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "todoimp_limo_arm.h"
 #include "unit_test.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -107,7 +109,7 @@ TEST_F(SortedTodos, MustBeStrictlyLater)
     add_due(1, 10);
     EXPECT_THAT(found(TODO_DUE, 10 * DAY - 1), ElementsAre(1, 1));
     EXPECT_THAT(found(TODO_DUE, 10 * DAY), ElementsAre(0));
-    EXPECT_THAT(platform.traces, Contains(traced("Ignore item:%lld\n", "Ignore item:864000000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "Ignore item:%lld\n", "Ignore item:864000000\n")));
 }
 
 TEST_F(SortedTodos, AreOrderedByTheDateOfTheField)
@@ -154,7 +156,7 @@ TEST_F(SortedTodos, ByAFieldWithoutADateShareTheValueZero)
         add_due(2, 20);
         EXPECT_THAT(found(field, 0), ElementsAre(0));
         EXPECT_THAT(found(field, -1), ElementsAre(2, 1, 2));
-        const auto unsupported = traced("Unsupported date field...\n", "Unsupported date field...\n");
+        const auto unsupported = trace(TRACE_STEP, "Unsupported date field...\n", "Unsupported date field...\n");
         if (field == 0x1000001)
             EXPECT_THAT(platform.traces, Not(Contains(unsupported)));
         else
@@ -201,7 +203,8 @@ TEST_F(SortedTodos, OfAnEmptyStoreAreNoneAfterThreeCloses)
     calls.emplace_back("org_db_service_get_record_count(9)");
     for (const std::string& call : times(2, close)) calls.push_back(call);
     EXPECT_EQ(platform.calls, calls);
-    EXPECT_THAT(platform.traces, Contains(traced("no org record available...\n", "no org record available...\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "no org record available...\n", "no org record available...\n")));
 }
 
 TEST_F(SortedTodos, AreANegativeCountWhereTheStoreCountsSo)
@@ -209,9 +212,23 @@ TEST_F(SortedTodos, AreANegativeCountWhereTheStoreCountsSo)
     add_due(1, 10);
     platform.reported_counts["org_db_service_get_record_count"] = -5;
     EXPECT_THAT(found(TODO_DUE, 0), ElementsAre(-5));
-    EXPECT_THAT(platform.traces, Contains(traced("no org record available...\n", "no org record available...\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "no org record available...\n", "no org record available...\n")));
     EXPECT_THAT(platform.calls_of("org_db_service_disconnect_database"), SizeIs(3));
     EXPECT_THAT(platform.calls_of(FETCH), IsEmpty());
+}
+
+TEST_F(SortedTodos, AreMinusOneWhenTheSecondCloseFails)
+{
+    for (const bool counted : {true, false}) {
+        SCOPED_TRACE(counted ? "an empty store" : "they cannot be counted");
+        if (!counted) platform.fail("org_db_service_get_record_count", 32);
+        platform.fail_call("org_db_service_disconnect_database", 2, 35);
+        EXPECT_THAT(found(TODO_DUE, 0), ElementsAre(-1));
+        EXPECT_THAT(platform.traces, Contains(failed_close("ToDoListImpl_nextSortedToDoN")));
+        EXPECT_EQ(platform.calls.back(), "org_db_service_disconnect_database()");
+        start_over();
+    }
 }
 
 TEST_F(SortedTodos, AreReadUntilAllOfThemWereSeen)
@@ -393,7 +410,7 @@ TEST_F(SortedEvents, MustStartStrictlyLater)
     add_start(1, 10);
     EXPECT_EQ(found(10 * DAY - 1).front(), 1);
     EXPECT_EQ(found(10 * DAY).front(), -1);
-    EXPECT_THAT(platform.traces, Contains(traced("Ignore item:%lld\n", "Ignore item:864000000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "Ignore item:%lld\n", "Ignore item:864000000\n")));
 }
 
 TEST_F(SortedEvents, WithoutAStartCountAsASecondBeforeTheEpoch)
@@ -424,10 +441,13 @@ TEST_F(SortedEvents, AreTracedStepByStep)
 {
     add_start(1, 10);
     found(0);
-    EXPECT_THAT(platform.traces, Contains(traced("pass 1 %lld\n", "pass 1 864000000\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("pass 2 %lld\n", "pass 2 864000000\n")));
-    EXPECT_THAT(platform.traces, Contains(traced("qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is %d\n",
-                                                 "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is 1\n")));
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "EventListImpl_nextSortedEventN"),
+                                               Field(&trace_message::calls_before, 0u)));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "pass 1 %lld\n", "pass 1 864000000\n")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "pass 2 %lld\n", "pass 2 864000000\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is %d\n",
+                               "qm4ruv  : EventListImpl_nextSortedEventN.nextEventsCount is 1\n")));
 }
 
 TEST_F(SortedEvents, HaveABufferOfOneEntryMoreThanTheyAre)
@@ -463,7 +483,8 @@ TEST_F(SortedEvents, OfAnEmptyStoreAreNoneWithTheRecordLeftUnreleased)
     EXPECT_THAT(platform.calls,
                 ElementsAre("org_db_service_connect_database()", "org_db_service_init_full_record()",
                             "org_db_service_get_record_count(8)", "org_db_service_disconnect_database()"));
-    EXPECT_THAT(platform.traces, Contains(traced("B-StoredEvent count is 0\n", "B-StoredEvent count is 0\n")));
+    EXPECT_THAT(platform.traces,
+                Contains(trace(TRACE_STEP, "B-StoredEvent count is 0\n", "B-StoredEvent count is 0\n")));
     EXPECT_EQ(unreleased_blocks(), 7u);
     keep_blocks("the record of an empty store is not released");
 }
@@ -521,6 +542,7 @@ TEST_F(SortedEvents, AreMinusOneWhenTheBufferCannotBeAllocated)
     add_start(1, 10);
     fail_allocation(8); // Behind the record's seven buffers.
     EXPECT_THAT(found(0), ElementsAre(-1));
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_HARD, "memory allocation failed..\n")));
     EXPECT_EQ(platform.calls.back(), "org_db_service_free_full_record()");
 }
 
@@ -541,6 +563,33 @@ TEST_F(SortedEvents, AreMinusOneWhenTheCloseFails)
     }
 }
 
+TEST_F(SortedEvents, AreMinusOneWhenTheCloseFailsBehindAnotherFailure)
+{
+    struct row {
+        const char* when;
+        std::function<void()> arrange;
+    };
+    const row rows[] = {
+        {"they cannot be counted", [&] { platform.fail("org_db_service_get_record_count", 32); }},
+        {"none is later", [] {}},
+        {"the buffer cannot be allocated",
+         [&] {
+             add_start(2, 10);
+             fail_allocation(8);
+         }},
+    };
+    for (const row& row : rows) {
+        SCOPED_TRACE(row.when);
+        add_start(1, 0);
+        row.arrange();
+        platform.fail("org_db_service_free_full_record", 35);
+        EXPECT_THAT(found(0), ElementsAre(-1));
+        EXPECT_THAT(platform.traces, Contains(failed_close("EventListImpl_nextSortedEventN")));
+        keep_blocks("a record that would not be released");
+        start_over();
+    }
+}
+
 TEST_F(SortedEventsNative, AreAnArrayOfTheirNumberWhoseBlockIsNotReleased)
 {
     add_start(4, 0);
@@ -550,6 +599,14 @@ TEST_F(SortedEventsNative, AreAnArrayOfTheirNumberWhoseBlockIsNotReleased)
     EXPECT_THAT(platform.traces,
                 Contains(trace(TRACE_STEP, "%s ***\n", "Java_com_qvr_zek_pim_EventListImpl_nextSortedEventN ***\n")));
     EXPECT_EQ(unreleased_blocks(), 1u);
+    keep_blocks("the native does not release the scan's block");
+}
+
+TEST_F(SortedEventsNative, AreAnArrayOfTheOnlyOne)
+{
+    add_start(4, 0);
+    jintArray array = Java_com_qvr_zek_pim_EventListImpl_nextSortedEventN(jni.env(), nullptr, HANDLE, -1);
+    EXPECT_THAT(jni.values(array), ElementsAre(4));
     keep_blocks("the native does not release the scan's block");
 }
 

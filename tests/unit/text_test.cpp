@@ -174,10 +174,23 @@ TEST_F(WholeCharacters, CutsAtACharacterBoundary)
         {"a surrogate pair cut before its last byte", "\xed\xa0\xbd\xed\xb8\x80z", 5, 0},
         {"between two pairs", "\xed\xa0\xbd\xed\xb8\x80\xed\xa0\xbd\xed\xb8\x80", 6, 6},
         {"in the middle of the second pair", "\xed\xa0\xbd\xed\xb8\x80\xed\xa0\xbd\xed\xb8\x80", 9, 6},
+        {"a pair whose halves' second bytes are odd", "ab\xed\xa1\x80\xed\xb1\x80z", 5, 2},
+        {"a pair that ends in the middle of its low half", "ab\xed\xa0\xbd\xed\xb8", 5, 2},
         {"a low half without its high half", "abc\xed\xb8\x80z", 4, 3},
         {"the character NUL in two bytes", "abcd\xc0\x80z", 5, 4},
     };
     for (const auto& row : rows) EXPECT_EQ(whole_characters(row.text, row.limit), row.expected) << row.when;
+}
+
+TEST_F(WholeCharacters, LooksAtNoByteAroundTheText)
+{
+    const std::string_view pair = "\xed\xa0\xbd\xed\xb8\x80";
+    EXPECT_EQ(whole_characters(pair.substr(0, 4), 3), 3u);
+    EXPECT_EQ(whole_characters(pair.substr(1), 2), 2u);
+    const std::string_view continued = "ab\x80";
+    EXPECT_EQ(whole_characters(continued.substr(0, 2), 2), 2u);
+    const std::string_view without_a_start = "a\x80\x80\x80";
+    EXPECT_EQ(whole_characters(without_a_start.substr(1), 2), 0u);
 }
 
 TEST_F(WholeCharacters, LeavesWellFormedTextWhereverTheCutFalls)

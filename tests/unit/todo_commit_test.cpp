@@ -9,6 +9,7 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -126,7 +127,7 @@ TEST_F(TodoCommitTexts, OfOtherCodesAreTracedAndIgnored)
         EXPECT_EQ(todo.description, "");
         EXPECT_EQ(todo.location, "");
         EXPECT_THAT(platform.traces,
-                    Contains(traced("unknown field:%d\n", "unknown field:" + std::to_string(field) + "\n")));
+                    Contains(trace(TRACE_STEP, "unknown field:%d\n", "unknown field:" + std::to_string(field) + "\n")));
         start_over();
     }
 }
@@ -339,6 +340,27 @@ TEST_F(TodoCommit, AddsANewTodoForAnIndexBelowOne)
                                 "org_db_service_free_full_record()"));
         start_over();
     }
+}
+
+TEST_F(TodoCommit, IsTracedFirstInItsName)
+{
+    added(commit_values());
+    EXPECT_THAT(platform.traces.front(), AllOf(Field(&trace_message::function, "pimItemImpl_todo_commitN"),
+                                               Field(&trace_message::calls_before, 0u)));
+}
+
+TEST_F(TodoCommit, LooksAtNoEntryBehindTheCounts)
+{
+    const stored_item& todo = added(commit_values()
+                                        .text(TODO_NOTE, "note")
+                                        .text(TODO_SUMMARY, "behind")
+                                        .number(TODO_DUE, 0)
+                                        .number(TODO_COMPLETION_DATE, 5000)
+                                        .without_counting_the_last());
+    EXPECT_EQ(todo.description, "note");
+    EXPECT_EQ(todo.summary, "");
+    EXPECT_EQ(todo.record.repeat_end_or_due.time.year, 70);
+    EXPECT_EQ(todo.record.end_date_time.time.year, 0);
 }
 
 TEST_F(TodoCommit, ReplacesTheWholeStoredTodo)

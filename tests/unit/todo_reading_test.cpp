@@ -170,8 +170,8 @@ TEST_F(TodoDate, IsTheDateOfItsFieldInMilliseconds)
         (todo().record.*row.date).time = local_time(2010, 1, 1);
         for (int32_t index : {0, 1, -1}) EXPECT_EQ(getTodoDate(1, row.field, index), INT64_C(1262304000000)) << index;
         const std::string code = std::to_string(row.field);
-        EXPECT_THAT(platform.traces, Contains(traced("getTodoDate recindex = %d field = %d index = %d\n",
-                                                     "getTodoDate recindex = 1 field = " + code + " index = 0\n")));
+        EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getTodoDate recindex = %d field = %d index = %d\n",
+                                                    "getTodoDate recindex = 1 field = " + code + " index = 0\n")));
         for (const date_row& other : DATES) {
             if (other.field != row.field) {
                 EXPECT_EQ(getTodoDate(1, other.field, 0), -1000) << other.when;
@@ -223,8 +223,10 @@ TEST_F(TodoPriority, IsTheStoresLevelWhereItIsOne)
         EXPECT_EQ(getTodoInt(1, TODO_PRIORITY, 0), row.read);
         EXPECT_EQ(count_values_todo(1, TODO_PRIORITY), row.count);
     }
-    EXPECT_THAT(platform.traces, Contains(traced("getTodoInt ORG_PRIORITY_LOW %d and ORG_PRIORITY_HIGH %d ",
-                                                 "getTodoInt ORG_PRIORITY_LOW 0 and ORG_PRIORITY_HIGH 2 ")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getTodoInt ORG_PRIORITY_LOW %d and ORG_PRIORITY_HIGH %d ",
+                                                "getTodoInt ORG_PRIORITY_LOW 0 and ORG_PRIORITY_HIGH 2 ")));
+    EXPECT_THAT(platform.traces, Contains(trace(TRACE_STEP, "getTodoInt recindex = %d field = %d index = %d\n",
+                                                "getTodoInt recindex = 1 field = 105 index = 0\n")));
 }
 
 TEST_F(TodoPriority, IsTheOnlyNumberOfAToDo)
@@ -261,8 +263,8 @@ TEST_F(TodoCount, OfATextGoesByItsFirstByte)
         todo().*row.text = "x";
         EXPECT_EQ(count_values_todo(1, row.field), 1);
         EXPECT_THAT(platform.traces,
-                    Contains(traced("count_values_todo recindex = %d field = %d\n",
-                                    "count_values_todo recindex = 1 field = " + std::to_string(row.field) + "\n")));
+                    Contains(trace(TRACE_STEP, "count_values_todo recindex = %d field = %d\n",
+                                   "count_values_todo recindex = 1 field = " + std::to_string(row.field) + "\n")));
         start_over();
     }
 }
