@@ -74,6 +74,7 @@ TEST_F(ListCategories, LeavesTheSlotsBehindTheLastNameAlone)
     add_groups({"Work", "Home"});
     std::array<category_name, LIST_CATEGORIES_MAX> slots = {};
     slots[2].text[0] = '#';
+    slots[2].text[1] = '\0';
     EXPECT_EQ(pimlistImpl_getCategoriesN(LIST_CONTACT, 9, slots), 2);
     EXPECT_STREQ(slots[2].text, "#");
 }
