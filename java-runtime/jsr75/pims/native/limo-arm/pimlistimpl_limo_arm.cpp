@@ -12,8 +12,8 @@
 
 // ---- Index lists ----------------------------------------------------------------------------------------------------
 
-// The first position of an index in a list; the list's size when it is not there. A walk does this at each step, so whole
-// stretches are compared without stopping in them, which the compiler makes one comparison of many.
+// The first position of an index in a list; the list's size when it is not there. A walk does this at each step, so
+// whole stretches are compared without stopping in them, which the compiler makes one comparison of many.
 static size_t first_position(std::span<const int32_t> indices, int32_t index)
 {
     constexpr size_t STRETCH = 64;
