@@ -207,6 +207,9 @@ TEST_F(CommitDispatch, TakesNullArraysForEmptyOnes)
                           .categories = std::nullopt}),
                   1);
         EXPECT_EQ(platform.contacts.size() + platform.items.size(), 1u);
+        if (listtype == LIST_CONTACT) {
+            EXPECT_THAT(platform.traces, Contains(trace_text(TRACE_STEP, "stringids[0] : 0, longvalue[0] : 0\n")));
+        }
         start_over();
     }
 }
@@ -595,6 +598,8 @@ TEST_F(CommitFailure, OfTheMachineToHandOutItsElementsLeavesItsOwnException)
                 ASSERT_TRUE(jni.pending);
                 EXPECT_EQ(jni.pending->class_name, "java/lang/OutOfMemoryError");
                 EXPECT_THAT(platform.calls, IsEmpty());
+                EXPECT_THAT(platform.traces,
+                            Contains(trace_text(TRACE_HARD, "Java_com_qvr_zek_pim_PIMItemImpl_commitN FAIL(-1)\n")));
                 keep_exception("the machine's own");
             }
             start_over();

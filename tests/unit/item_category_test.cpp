@@ -243,6 +243,8 @@ TEST_F(ItemCategoriesNative, MakesAStringOfEveryName)
     jobjectArray array = call();
     EXPECT_THAT(jni.texts(array), ElementsAre("One", std::string(63, 'x')));
     EXPECT_EQ(jni.element_class(array), "java/lang/String");
+    EXPECT_THAT(platform.traces.front(),
+                trace(TRACE_STEP, "%s ***\n", "Java_com_qvr_zek_pim_PIMItemImpl_getCategoriesN ***\n"));
 }
 
 TEST_F(ItemCategoriesNative, LetsGoOfEveryElementAtOnce)

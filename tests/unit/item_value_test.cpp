@@ -333,6 +333,14 @@ TEST_F(GetFieldsNative, IsNullWhereThereIsNoField)
             << listtype;
 }
 
+TEST_F(GetFieldsNative, IsAnArrayOfTheOnlyField)
+{
+    platform.add_item(ORG_TYPE_EVENT, 5000, "Lunch");
+    jintArray fields = Java_com_qvr_zek_pim_PIMItemImpl_getFieldsN(jni.env(), nullptr, LIST_EVENT, HANDLE, 5000);
+    ASSERT_NE(fields, nullptr);
+    EXPECT_THAT(jni.values(fields), ElementsAre(EVENT_SUMMARY));
+}
+
 TEST_F(GetFieldsNative, IsNullForAnUnknownList)
 {
     for (jint listtype : UNKNOWN_LISTS) {

@@ -685,5 +685,6 @@ TEST_F(NextRecordWithMatchNative, EndsWhenTheCopyCannotBeAllocated)
     add_contacts({{5, "Jones"}});
     fail_allocation(1);
     EXPECT_EQ(call(LIST_CONTACT, -1, jni.string("Jones")), -1);
+    EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_HARD, "memory allocation failed..\n")));
     EXPECT_THAT(jni.calls.back(), "ReleaseStringUTFChars(Jones)");
 }
