@@ -342,6 +342,38 @@ TEST_F(ContactErrors, ARestThatDoesNotFitItsRecord)
     }
 }
 
+TEST_F(ContactErrors, RowsThatNoRecordHasRoomFor)
+{
+    add("x");
+    for (const char* row :
+         {"contact (record_index) VALUES (0)", "contact (record_index) VALUES (10001)",
+          "contact_group (key_index, name) VALUES (-1, 'x')", "contact_group (key_index, name) VALUES (30, 'x')",
+          "homepage (record_index, slot) VALUES (1, 5)", "homepage (record_index, slot) VALUES (1, -1)",
+          "membership (record_index, key_index) VALUES (1, 71)",
+          "membership (record_index, key_index) VALUES (1, -1)"}) {
+        SQLite::Database database = shell();
+        database.exec("PRAGMA ignore_check_constraints = ON");
+        database.exec(std::string("INSERT INTO ") + row);
+        const int code = code_of([](int* error) {
+            contact fetched;
+            return contact_db_service_contact_get(0, 1, 0, &fetched, error);
+        });
+        EXPECT_EQ(code, CONTACT_ERROR_CORRUPT) << row;
+        database.exec(
+            "DELETE FROM contact WHERE record_index <> 1; DELETE FROM contact_group; DELETE FROM homepage; "
+            "DELETE FROM membership");
+    }
+    get(1);
+}
+
+TEST_F(ContactErrors, RowsOfNobodyAreNobodys)
+{
+    for (const char* name : {"first", "second", "third"}) add(name);
+    remove_contact(2);
+    shell().exec("INSERT INTO phone (record_index, position, number) VALUES (0, 0, '0'), (2, 0, '2'), (4, 0, '4')");
+    for (const int index : {1, 3}) EXPECT_EQ(get(index).phone_count, 0) << index;
+}
+
 TEST_F(ContactErrors, TablesThatAreNotThere)
 {
     add("x");

@@ -90,6 +90,15 @@ TEST_F(DatabaseFile, OfAnotherApplicationIsRefusedAndUntouched)
     EXPECT_TRUE(content_of(file) == before);
 }
 
+TEST_F(DatabaseFile, WithoutAVersionIsRefusedAndUntouched)
+{
+    prepare_database(file, version_1);
+    SQLite::Database(file, SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 0");
+    const std::string before = content_of(file);
+    EXPECT_EQ(code_of_preparing(version_1), static_cast<int>(store_error::foreign));
+    EXPECT_TRUE(content_of(file) == before);
+}
+
 TEST_F(DatabaseFile, IsMadeOnceByManyAtOnce)
 {
     std::vector<std::unique_ptr<child_process>> children;

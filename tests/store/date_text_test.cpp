@@ -5,7 +5,10 @@
 #include <string.h>
 #include <time.h>
 
+#include <limits>
 #include <random>
+
+#include "common/store_error.h"
 
 using namespace pim_store;
 using testing::IsEmpty;
@@ -56,9 +59,33 @@ TEST(DateText, MayLackTheTimeOfDay)
 
 TEST(DateText, ThatNamesNoDateReadsAsNeverSet)
 {
-    for (const char* text : {"x", "1985-13-01", "1985-02-29", "1985-04-12 24:00:00", "1985-04-12T10:00:00",
-                             "-985-04-12", "1985-04-12 10:00:00 dst", "1985-04-12 1 :00:00"})
+    for (const char* text : {"x",
+                             "1985-13-01",
+                             "1985-02-29",
+                             "1985-04-12 24:00:00",
+                             "1985-04-12T10:00:00",
+                             "-985-04-12",
+                             "1985-04-12 10:00:00 dst",
+                             "1985-04-12 1 :00:00",
+                             "1985/04-12 10:00:00",
+                             "1985-04/12 10:00:00",
+                             "1985-04-12 10.00:00",
+                             "1985-04-12 10:00.00",
+                             "1985-+4-12",
+                             "1985-04-+2",
+                             "1985-04-12 10:+1:00",
+                             "1985-04-12 10:00:+1",
+                             "1985-04-12 10:60:00",
+                             "1985-04-12 10:00:61",
+                             "1985-04-00",
+                             "198:-04-12",
+                             "1985-00-12"})
         EXPECT_TRUE(same(time_of_text(text), {})) << text;
+}
+
+TEST(LocalTime, FailsWhereTheYearIsTooLarge)
+{
+    EXPECT_THROW(local_time(std::numeric_limits<int64_t>::max()), store_failure);
 }
 
 TEST(LocalTime, FollowsTheZoneOfTheProcess)

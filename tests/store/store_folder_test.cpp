@@ -1,5 +1,6 @@
 #include "common/store_folder.h"
 
+#include <pwd.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -30,6 +31,28 @@ TEST_F(StoreFolder, IsBelowTheHomeFolderWhereNoOtherIsNamed)
     setenv("XDG_DATA_HOME", "relative", 1);
     setenv("HOME", "/home/ada", 1);
     EXPECT_EQ(store_folder(), "/home/ada/.local/share/jsr75-pim");
+}
+
+class StoreFolderWithoutHome : public StoreFolder {
+protected:
+    static void expect_folder_of_the_user()
+    {
+        unsetenv("JSR75_PIM_HOME");
+        unsetenv("XDG_DATA_HOME");
+        EXPECT_EQ(store_folder(), fs::path(getpwuid(getuid())->pw_dir) / ".local/share/jsr75-pim");
+    }
+};
+
+TEST_F(StoreFolderWithoutHome, IsTheOneOfTheUser)
+{
+    unsetenv("HOME");
+    expect_folder_of_the_user();
+}
+
+TEST_F(StoreFolderWithoutHome, IsTheOneOfTheUserAlsoWithAnEmptyOne)
+{
+    setenv("HOME", "", 1);
+    expect_folder_of_the_user();
 }
 
 TEST_F(StoreFolder, IsDecidedOnce)
