@@ -49,10 +49,10 @@ struct place {
     fs::path file;
 };
 
-void overwrite(const fs::path& file, size_t from, size_t to)
+void overwrite_after_the_first_page(const fs::path& file)
 {
     std::string content = content_of(file);
-    std::fill(content.begin() + static_cast<ptrdiff_t>(from), content.begin() + static_cast<ptrdiff_t>(to), '\xff');
+    std::fill(content.begin() + 4096, content.end(), '\xff');
     write_file(file, content);
 }
 
@@ -88,7 +88,7 @@ const obstacle OBSTACLES[] = {
          write_file(at.home, "a file");
      },
      nothing},
-    {"ADamagedFile", 109, true, [](const place& at) { overwrite(at.file, 4096, fs::file_size(at.file)); }, nothing},
+    {"ADamagedFile", 109, true, [](const place& at) { overwrite_after_the_first_page(at.file); }, nothing},
     {"ATruncatedFile", 109, true, [](const place& at) { write_file(at.file, content_of(at.file).substr(0, 2 * 4096)); },
      nothing},
     {"AFileOfSomethingElse", 110, true, [](const place& at) { write_file(at.file, "BEGIN:VCARD\n"); }, nothing},

@@ -70,9 +70,9 @@ broken_down_time local_time(int64_t seconds)
 {
     // localtime_r() alone need not notice that the process has changed its time zone.
     tzset();
-    const auto moment = static_cast<time_t>(seconds);
+    const auto moment = static_cast<time_t>(seconds); // Of 32 bits on the device.
     tm local = {};
-    if (!localtime_r(&moment, &local)) throw store_failure(store_error::invalid_argument);
+    if (moment != seconds || !localtime_r(&moment, &local)) throw store_failure(store_error::invalid_argument);
     return {local.tm_sec,  local.tm_min,  local.tm_hour, local.tm_mday, local.tm_mon,
             local.tm_year, local.tm_wday, local.tm_yday, local.tm_isdst};
 }
