@@ -33,19 +33,26 @@ if(SANITIZE)
   add_link_options(-fsanitize=${SANITIZE})
 endif()
 
-# A library of the platform names every library that it needs.
-set(no_undefined LINKER:-z,defs)
+# A library of the platform names every library that it needs. What its sanitizers need, clang leaves to the program.
+if(NOT SANITIZE)
+  set(no_undefined LINKER:-z,defs)
+endif()
 
 option(FUZZ "Build the fuzz targets; takes clang" OFF)
 if(FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
-  set(no_undefined) # clang leaves what its sanitizers need to the program.
 endif()
 
 option(COVERAGE "Count how often each line and branch runs" OFF)
 if(COVERAGE)
   set(counted --coverage -fprofile-update=atomic) # Compile options of what is tested, not of the tests.
   add_link_options(--coverage)
+endif()
+
+# A virtual machine could load a sanitized library only with the sanitizer preloaded, and counts slow it down.
+set(WITH_JAVA TRUE)
+if(SANITIZE OR COVERAGE)
+  set(WITH_JAVA FALSE)
 endif()
 
 add_library(warnings INTERFACE)

@@ -1,5 +1,6 @@
-// GCC 12's thread sanitizer does not know pthread_mutex_clocklock(), through which std::timed_mutex waits by the steady
-// clock, and so takes what such a lock guards for a race. Here it waits through the call that the sanitizer knows.
+// The thread sanitizer of clang 14 does not know pthread_mutex_clocklock(), through which std::timed_mutex waits by the
+// steady clock, and so takes what such a lock guards for a race. Here it waits through the call that the sanitizer
+// knows.
 #include <pthread.h>
 #include <time.h>
 

@@ -183,8 +183,10 @@ TEST_F(OrganizerSharing, AKilledWriterLosesNothingThatHadReturned)
 // Whoever makes a system call other than read and write here is killed for it.
 TEST_F(OrganizerSharing, AWalkByPositionMakesNoSystemCall)
 {
-#ifdef __SANITIZE_THREAD__
+#ifdef __has_feature
+#if __has_feature(thread_sanitizer)
     GTEST_SKIP() << "the thread sanitizer makes some of its own";
+#endif
 #endif
     for (int i = 1; i <= 20; ++i) add(both_types[i % 2], "x");
     number_pipe result;

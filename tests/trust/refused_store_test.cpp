@@ -49,10 +49,12 @@ struct place {
     fs::path file;
 };
 
+constexpr size_t page_size = 4096;
+
 void overwrite_after_the_first_page(const fs::path& file)
 {
     std::string content = content_of(file);
-    std::fill(content.begin() + 4096, content.end(), '\xff');
+    std::fill(content.begin() + page_size, content.end(), '\xff');
     write_file(file, content);
 }
 
@@ -89,8 +91,8 @@ const obstacle OBSTACLES[] = {
      },
      nothing},
     {"ADamagedFile", 109, true, [](const place& at) { overwrite_after_the_first_page(at.file); }, nothing},
-    {"ATruncatedFile", 109, true, [](const place& at) { write_file(at.file, content_of(at.file).substr(0, 2 * 4096)); },
-     nothing},
+    {"ATruncatedFile", 109, true,
+     [](const place& at) { write_file(at.file, content_of(at.file).substr(0, 2 * page_size)); }, nothing},
     {"AFileOfSomethingElse", 110, true, [](const place& at) { write_file(at.file, "BEGIN:VCARD\n"); }, nothing},
     {"ANewerVersion", 111, true,
      [](const place& at) { SQLite::Database(at.file, SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 99"); },

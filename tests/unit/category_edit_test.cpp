@@ -7,6 +7,8 @@
 
 #include "unit_test.h"
 
+namespace category_edit_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -890,3 +892,5 @@ TEST_F(IsCategoryNative, DeniesWhenTheNameCannotBeHad)
     EXPECT_THAT(platform.calls, IsEmpty());
     keep_exception("the machine's own error goes on to Java");
 }
+
+} // namespace category_edit_test

@@ -8,6 +8,8 @@
 
 #include "unit_test.h"
 
+namespace category_list_test {
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -314,3 +316,5 @@ TEST_F(MaxCategoriesOfList, RaisesForAnUnknownList)
         start_over();
     }
 }
+
+} // namespace category_list_test

@@ -10,6 +10,8 @@
 #include "stored_records.h"
 #include "unit_test.h"
 
+namespace commit_request_test {
+
 using testing::AnyOfArray;
 using testing::Contains;
 using testing::Each;
@@ -606,3 +608,5 @@ TEST_F(CommitFailure, OfTheMachineToHandOutItsElementsLeavesItsOwnException)
         }
     }
 }
+
+} // namespace commit_request_test

@@ -5,6 +5,8 @@
 
 #include "unit_test.h"
 
+namespace connection_test {
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -297,3 +299,5 @@ TEST_F(Finalize, RefusesAnUnknownListType)
         start_over();
     }
 }
+
+} // namespace connection_test

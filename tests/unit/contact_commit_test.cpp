@@ -11,6 +11,8 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+namespace contact_commit_test {
+
 using testing::AnyOf;
 using testing::Contains;
 using testing::Each;
@@ -1259,3 +1261,5 @@ TEST_F(ContactCommitDeathTest, AbortsWhenAStoredArrayCannotGrow)
     EXPECT_EXIT(commit(values.text(CONTACT_TEL, "2"), 1), testing::KilledBySignal(SIGABRT),
                 "contact_record\\.phone_info != \\(\\(void \\*\\)0\\)");
 }
+
+} // namespace contact_commit_test

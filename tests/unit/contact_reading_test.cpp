@@ -11,6 +11,8 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+namespace contact_reading_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -930,3 +932,5 @@ TEST_F(ContactReaders, ReadOnWithoutAConnectionWhenTheStoreWouldNotConnect)
     EXPECT_EQ(getContactDate(1, CONTACT_BIRTHDAY, 0), 1262304000 * INT64_C(1000));
     EXPECT_EQ(platform.calls.back(), "contact_db_service_disconnect()");
 }
+
+} // namespace contact_reading_test

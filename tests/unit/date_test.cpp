@@ -8,6 +8,8 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+namespace date_test {
+
 namespace {
 
 class StoreToJava : public unit_test {};
@@ -295,3 +297,5 @@ TEST_F(DateField, KeepsItsOffsetAndZoneWords)
     EXPECT_EQ(due.gmtoff, 0);
     EXPECT_EQ(due.zone, 0u);
 }
+
+} // namespace date_test

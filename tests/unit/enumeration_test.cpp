@@ -6,6 +6,8 @@
 
 #include "unit_test.h"
 
+namespace enumeration_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -736,3 +738,5 @@ TEST_F(NextRecordInCategoryNative, EndsWhenTheNameCannotBeHad)
     EXPECT_THAT(platform.calls, IsEmpty());
     keep_exception("the machine's own error goes on to Java");
 }
+
+} // namespace enumeration_test

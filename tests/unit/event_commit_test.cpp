@@ -11,6 +11,8 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+namespace event_commit_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -548,3 +550,5 @@ TEST_F(EventCommitFailure, OfTheCloseBehindATextThatIsTooLongIsMinusOne)
     EXPECT_EQ(platform.calls_of("org_db_service_disconnect_database").size(), 1u);
     keep_blocks("a connection that would not close keeps the record's buffers");
 }
+
+} // namespace event_commit_test

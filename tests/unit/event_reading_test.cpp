@@ -9,6 +9,8 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+namespace event_reading_test {
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -334,3 +336,5 @@ TEST_F(EventReaders, AnswerEachInItsOwnWayWhenAStepFails)
     };
     for (const reader_row& row : rows) expect_organizer_failures(row, LIST_EVENT, [&] { fill(); });
 }
+
+} // namespace event_reading_test

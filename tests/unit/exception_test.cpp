@@ -3,6 +3,8 @@
 
 #include "unit_test.h"
 
+namespace exception_test {
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -196,3 +198,5 @@ TEST_F(NewStringArray, StopsAtTheElementThatCannotBeMade)
     EXPECT_THAT(jni.calls, Not(Contains("NewStringUTF(c)")));
     keep_exception("the machine's own error goes on to Java");
 }
+
+} // namespace exception_test

@@ -11,6 +11,8 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+namespace fault_test {
+
 using testing::IsEmpty;
 
 namespace {
@@ -214,3 +216,5 @@ TEST_F(EveryNative, RunsSideBySideOnSeveralThreads)
     keep_connection("another thread deleted the category");
     keep_blocks("the indexes found are not released");
 }
+
+} // namespace fault_test

@@ -7,6 +7,8 @@
 
 #include "unit_test.h"
 
+namespace item_category_test {
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -323,3 +325,5 @@ TEST_F(MaxCategoriesOfItem, RaisesForAnUnknownList)
         start_over();
     }
 }
+
+} // namespace item_category_test

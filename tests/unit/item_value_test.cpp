@@ -8,6 +8,8 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+namespace item_value_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::Each;
@@ -463,3 +465,5 @@ TEST_F(GetPreferredIndexNative, PrintsALineBeforeAndOneAfterTheCall)
                                       "\\[ " +
                                       name + "\\(\\) / +[0-9]+ \\]B-" + name + "\n"));
 }
+
+} // namespace item_value_test

@@ -6,6 +6,8 @@
 #include "pimlistimpl_limo_arm.h"
 #include "unit_test.h"
 
+namespace label_test {
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -251,3 +253,5 @@ TEST_F(Label, IsNullWhenTheMachineHasNoString)
     EXPECT_EQ(Java_com_qvr_zek_pim_PIMListImpl_getFieldLabelN(jni.env(), nullptr, 1, HANDLE, 100), nullptr);
     keep_exception("the machine's own, for want of memory");
 }
+
+} // namespace label_test

@@ -1,6 +1,8 @@
 // Opening, naming and closing lists.
 #include "unit_test.h"
 
+namespace list_registry_test {
+
 using testing::Each;
 using testing::ElementsAre;
 using testing::Field;
@@ -124,3 +126,5 @@ TEST_F(CloseList, OnlyMarksItsEntry)
         start_over();
     }
 }
+
+} // namespace list_registry_test

@@ -3,6 +3,8 @@
 
 #include "unit_test.h"
 
+namespace removal_test {
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -193,3 +195,5 @@ TEST_F(RemoveItemNative, TracesAFailureAndGivesZero)
         start_over();
     }
 }
+
+} // namespace removal_test

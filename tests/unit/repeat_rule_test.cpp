@@ -10,6 +10,8 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+namespace repeat_rule_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -343,3 +345,5 @@ TEST_F(RepeatRule, IsAnsweredByEachReaderInItsOwnWayWhenAStepFails)
         });
     }
 }
+
+} // namespace repeat_rule_test

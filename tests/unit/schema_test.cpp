@@ -5,6 +5,8 @@
 #include "pimlistimpl_limo_arm.h"
 #include "unit_test.h"
 
+namespace schema_test {
+
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -347,3 +349,5 @@ TEST_F(ExtendedFields, HaveNeitherDataTypeNorArraySize)
         start_over();
     }
 }
+
+} // namespace schema_test

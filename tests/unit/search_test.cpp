@@ -7,6 +7,8 @@
 
 #include "unit_test.h"
 
+namespace search_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::Each;
@@ -688,3 +690,5 @@ TEST_F(NextRecordWithMatchNative, EndsWhenTheCopyCannotBeAllocated)
     EXPECT_THAT(platform.traces, Contains(trace_line(TRACE_HARD, "memory allocation failed..\n")));
     EXPECT_THAT(jni.calls.back(), "ReleaseStringUTFChars(Jones)");
 }
+
+} // namespace search_test

@@ -12,6 +12,8 @@
 #include "todoimp_limo_arm.h"
 #include "unit_test.h"
 
+namespace sorted_enumeration_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -647,3 +649,5 @@ TEST_F(SortedEventsNative, AreNullWhenTheMachineHasNoArray)
     keep_exception("the machine's own, for want of memory");
     keep_blocks("the native does not release the scan's block");
 }
+
+} // namespace sorted_enumeration_test

@@ -6,6 +6,10 @@
 
 #include "unit_test.h"
 
+namespace text_test {
+
+using ::contains;
+
 namespace {
 
 using IsAsciiUpper = unit_test;
@@ -245,3 +249,5 @@ TEST_F(TextOf, EndsAtTheTerminatorOrWithTheField)
     EXPECT_EQ(text_of(full), "abc");
     EXPECT_EQ(text_of(empty), "");
 }
+
+} // namespace text_test

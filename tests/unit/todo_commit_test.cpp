@@ -9,6 +9,8 @@
 #include "time_zone.h"
 #include "unit_test.h"
 
+namespace todo_commit_test {
+
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -449,3 +451,5 @@ TEST_F(TodoCommitFailure, OfTheCloseIsMinusOneThoughTheTodoIsStored)
         }
     }
 }
+
+} // namespace todo_commit_test

@@ -9,6 +9,8 @@
 #include "stored_records.h"
 #include "time_zone.h"
 
+namespace todo_reading_test {
+
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -351,3 +353,5 @@ TEST_F(TodoReaders, ReadAsCompletedWhenTheStoreCannotBeReached)
     EXPECT_EQ(getTodoBool(1, TODO_COMPLETED, 0), 1);
     EXPECT_EQ(getTodoBool(1, 999, 0), 1) << "of any field";
 }
+
+} // namespace todo_reading_test

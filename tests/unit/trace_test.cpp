@@ -7,6 +7,8 @@
 #include "pimutil.h"
 #include "unit_test.h"
 
+namespace trace_test {
+
 namespace {
 
 using TraceMacro = unit_test;
@@ -149,3 +151,5 @@ TEST_F(TraceOfNative, MarksTheEntryFirstWithTheNativesOwnName)
         start_over();
     }
 }
+
+} // namespace trace_test
